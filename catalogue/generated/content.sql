@@ -1,0 +1,1 @@
+-- Initial empty content; catalogue/generate.py replaces this file.

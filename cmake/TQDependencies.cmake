@@ -1,0 +1,10 @@
+# Everything here comes from Debian packages that scripts/deps.sh installs.
+find_package(Threads REQUIRED)
+find_package(Poco 1.11 REQUIRED COMPONENTS Foundation Data DataSQLite JSON Encodings Net Util)
+find_package(SQLite3 REQUIRED)
+if(TQ_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+if(TQ_BUILD_BENCH)
+  find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Installs, builds and runs every test.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+scripts/build.sh
+ctest --test-dir "${TQ_BUILD_DIR:-build}" --output-on-failure -j "$(nproc)"

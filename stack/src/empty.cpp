@@ -1,0 +1,1 @@
+// Keeps the codec archive non-empty while it is being written.
