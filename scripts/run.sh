@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
 scripts/build.sh
-exec build/apps/tq-catalogue data/tq_bacnet.db "$@"
+exec build/apps/tq-catalogue/tq-catalogue data/tq_bacnet.db "$@"

@@ -1,0 +1,92 @@
+#include "ScratchDatabase.h"
+
+#include "TQ/Utility/Data/SqlScript.h"
+
+#include <Poco/Data/DataException.h>
+#include <Poco/Exception.h>
+#include <Poco/File.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+using Poco::Data::Keywords::into;
+using Poco::Data::Keywords::now;
+using TQ::Utility::Data::SqlScript;
+
+TEST(SqlScript, SplitsOnlyAtStatementEnds) {
+    auto parts = SqlScript::split(
+        "CREATE TABLE t (a TEXT);\n"
+        "INSERT INTO t VALUES ('semi;colon', 'it''s; here');  -- trailing; comment\n"
+        "/* block; comment */ INSERT INTO \"odd;name\" VALUES (1);;\n"
+        "  ;\n"
+        "SELECT [a;b], `c;d` FROM t");
+    ASSERT_EQ(parts.size(), 4u);
+    EXPECT_EQ(parts[0], "CREATE TABLE t (a TEXT)");
+    EXPECT_EQ(parts[1], "INSERT INTO t VALUES ('semi;colon', 'it''s; here')");
+    EXPECT_EQ(parts[2], "INSERT INTO \"odd;name\" VALUES (1)");
+    EXPECT_EQ(parts[3], "SELECT [a;b], `c;d` FROM t");
+    EXPECT_TRUE(SqlScript::split("").empty());
+    EXPECT_TRUE(SqlScript::split(" ; -- only a comment\n;").empty());
+    EXPECT_THROW(SqlScript::split("INSERT INTO t VALUES ('open;"), Poco::SyntaxException);
+    EXPECT_THROW(SqlScript::split("SELECT 1 /* open"), Poco::SyntaxException);
+}
+
+TEST(SqlScript, RunsInOneTransactionAndUndoesAFailure) {
+    TQTest::ScratchDatabase scratch;
+    Poco::Data::Session& session = scratch.session();
+    EXPECT_EQ(
+        SqlScript::run(session,
+                       "CREATE TABLE s (v TEXT); INSERT INTO s VALUES ('a;b'); INSERT INTO s VALUES ('c')"),
+        3u);
+    try {
+        SqlScript::run(session, "INSERT INTO s VALUES ('d'); INSERT INTO missing VALUES (1)");
+        FAIL() << "a failing statement must raise";
+    } catch (const Poco::Data::DataException& error) {
+        EXPECT_NE(error.message().find("statement 2"), std::string::npos) << error.message();
+    }
+    int count = 0;
+    session << "SELECT COUNT(*) FROM s", into(count), now;
+    EXPECT_EQ(count, 2) << "the failed script's first insert is rolled back";
+    std::string text;
+    session << "SELECT v FROM s WHERE v LIKE '%;%'", into(text), now;
+    EXPECT_EQ(text, "a;b");
+}
+
+TEST(EmbeddedDatabase, CreatesTheCatalogueOnceAndReopensIt) {
+    std::string file;
+    {
+        TQTest::ScratchDatabase scratch;
+        file = scratch.file();
+        EXPECT_TRUE(scratch.created);
+        auto tables = TQ::Utility::Data::embeddedTableNames(scratch.session());
+        for (const char* table : {"bn_datatype", "bn_gw", "bn_device_object_property", "dv_bus"})
+            EXPECT_NE(std::find(tables.begin(), tables.end(), table), tables.end()) << table;
+        EXPECT_TRUE(std::is_sorted(tables.begin(), tables.end()));
+        scratch.session() << "INSERT INTO bn_datatype (id_bn_datatype, name) VALUES (99999, 'marker')", now;
+
+        // A second open of the same file must not run the schema again (it would fail on the
+        // existing tables) nor lose what was written.
+        bool createdAgain = true;
+        auto again = TQ::Utility::Data::openEmbeddedDatabase(file, &createdAgain);
+        EXPECT_FALSE(createdAgain);
+        std::string marker;
+        again->getSession() << "SELECT name FROM bn_datatype WHERE id_bn_datatype=99999", into(marker), now;
+        EXPECT_EQ(marker, "marker");
+        EXPECT_EQ(again->getGeneratedKeyQuery(), "SELECT last_insert_rowid()");
+    }
+    EXPECT_FALSE(Poco::File(file).exists()) << "the scratch directory is cleaned up";
+}
+
+TEST(EmbeddedDatabase, CreatesMissingDirectoriesAndReportsBadPaths) {
+    TQTest::ScratchDatabase scratch;
+    std::string nested = scratch.dir() + "/a/b/nested.db";
+    bool created = false;
+    auto db = TQ::Utility::Data::openEmbeddedDatabase(nested, &created);
+    EXPECT_TRUE(created);
+    EXPECT_TRUE(Poco::File(nested).exists());
+    db.reset();
+
+    EXPECT_THROW(TQ::Utility::Data::openEmbeddedDatabase(""), Poco::InvalidArgumentException);
+    // A directory in place of the file cannot be opened as a database.
+    EXPECT_THROW(TQ::Utility::Data::openEmbeddedDatabase(scratch.dir() + "/a"), Poco::Exception);
+}

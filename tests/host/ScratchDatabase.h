@@ -1,0 +1,106 @@
+#pragma once
+
+#include "TQ/Utility/Data/EmbeddedDatabase.h"
+#include "TQ/Utility/Data/Entity.h"
+#include "TQ/Utility/Data/SmoDbSession.h"
+
+#include <Poco/Data/Session.h>
+#include <Poco/File.h>
+#include <Poco/Path.h>
+#include <Poco/TemporaryFile.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace TQTest {
+
+/// A fresh embedded database in its own temporary directory, removed afterwards. It is also
+/// the process-wide session while it lives.
+class ScratchDatabase {
+public:
+    ScratchDatabase() : _dir(Poco::TemporaryFile::tempName()) {
+        Poco::File(_dir).createDirectories();
+        _file = Poco::Path(_dir, "scratch.db").toString();
+        db = TQ::Utility::Data::openEmbeddedDatabase(_file, &created);
+        TQ::Utility::Data::pDB = db.get();
+    }
+    ~ScratchDatabase() {
+        TQ::Utility::Data::pDB = nullptr;
+        db.reset();
+        Poco::File(_dir).remove(true);
+    }
+    Poco::Data::Session& session() { return db->getSession(); }
+    const std::string& file() const { return _file; }
+    const std::string& dir() const { return _dir; }
+
+    std::unique_ptr<TQ::Utility::Data::SmoDbSession> db;
+    bool created = false;
+
+private:
+    std::string _dir;
+    std::string _file;
+};
+
+/// probe_parent(id_probe_parent, label) and probe(id_probe, id_probe_parent, name, amount,
+/// note): a small parent/child pair for the object-relational layer.
+inline void createProbeTables(Poco::Data::Session& session) {
+    using Poco::Data::Keywords::now;
+    session << "CREATE TABLE probe_parent (id_probe_parent INTEGER PRIMARY KEY, label TEXT)", now;
+    session << "CREATE TABLE probe (id_probe INTEGER PRIMARY KEY, id_probe_parent INTEGER, name TEXT, "
+               "amount INTEGER NOT NULL DEFAULT 7, note TEXT)",
+        now;
+}
+
+namespace ProbeNames {
+inline const std::string PARENT_TABLE("probe_parent");
+inline const std::string ID_PROBE_PARENT("id_probe_parent");
+inline const std::string LABEL("label");
+inline const std::string TABLE("probe");
+inline const std::string ID_PROBE("id_probe");
+inline const std::string NAME("name");
+inline const std::string AMOUNT("amount");
+inline const std::string NOTE("note");
+}  // namespace ProbeNames
+
+class ProbeParent : public TQ::Utility::Data::Entity {
+public:
+    static constexpr int _COL_LABEL = 1;
+    explicit ProbeParent(bool isNew = false) : Entity(isNew) { setColumnCnt(2); }
+    const std::string& getTableName() const override { return ProbeNames::PARENT_TABLE; }
+    const std::vector<const std::string*>& getColNames() const override {
+        static const std::vector<const std::string*> names{&ProbeNames::ID_PROBE_PARENT, &ProbeNames::LABEL};
+        return names;
+    }
+};
+
+class Probe : public TQ::Utility::Data::Entity {
+public:
+    static constexpr int _COL_ID_PROBE_PARENT = 1;
+    static constexpr int _COL_NAME = 2;
+    static constexpr int _COL_AMOUNT = 3;
+    static constexpr int _COL_NOTE = 4;
+    explicit Probe(bool isNew = false) : Entity(isNew) { setColumnCnt(5); }
+    const std::string& getTableName() const override { return ProbeNames::TABLE; }
+    const std::vector<const std::string*>& getColNames() const override {
+        static const std::vector<const std::string*> names{&ProbeNames::ID_PROBE,
+                                                           &ProbeNames::ID_PROBE_PARENT, &ProbeNames::NAME,
+                                                           &ProbeNames::AMOUNT, &ProbeNames::NOTE};
+        return names;
+    }
+    std::string getName() const { return getVar(_COL_NAME).convert<std::string>(); }
+    int getAmount() const { return getVar(_COL_AMOUNT).convert<int>(); }
+};
+
+/// Probe rows keyed by their name's length, read together with their parent's label (inner
+/// join), ordered by amount.
+class JoinedProbe : public Probe {
+public:
+    using Probe::Probe;
+    int operator()() const override { return static_cast<int>(getName().size()); }
+    std::string sqlFrom() const override { return "probe a,probe_parent b"; }
+    std::string sqlJoin() const override { return "a.id_probe_parent=b.id_probe_parent"; }
+    std::string sqlOrderBy() const override { return "4"; }
+};
+
+}  // namespace TQTest
