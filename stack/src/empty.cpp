@@ -1,1 +1,0 @@
-// Keeps the codec archive non-empty while it is being written.
