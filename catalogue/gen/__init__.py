@@ -1,0 +1,1 @@
+"""Catalogue generator: reads catalogue/source and writes catalogue/generated."""
