@@ -1,0 +1,85 @@
+// Web-service error texts, metadata options and markup names.
+
+#include "TestCatalogue.h"
+
+#include "TQ_BACnet/Entity/BnMarkupType.h"
+#include "TQ_BACnet/Entity/BnWsError.h"
+#include "TQ_BACnet/Entity/BnWsMetadataQueryOptions.h"
+
+#include <Poco/Data/Statement.h>
+#include <Poco/Exception.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+using namespace TQ::BACnet::Entity;
+
+TEST(BnWsError, ErrorsLoadOnceAndUnknownCodesThrow) {
+    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    const BnWsError& error = BnWsError::find(1);
+    EXPECT_EQ(error.getIdBnWsError(), 1);
+    EXPECT_EQ(error.getName(), "WS_ERR_PARAMETER_OUT_OF_RANGE");
+    EXPECT_EQ(error.getHttpStatus(), 400);
+    EXPECT_EQ(error.getErrorText(), "parameter out of range");
+    int before = db.queries("FROM bn_ws_error");
+    EXPECT_EQ(BnWsError::find(1).getHttpStatus(), 400);
+    EXPECT_EQ(db.queries("FROM bn_ws_error"), before);
+
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        try {
+            BnWsError::find(77);
+            FAIL() << "an unknown error code was found";
+        } catch (const Poco::NotFoundException& e) {
+            EXPECT_EQ(e.message(), "WS Error not found in database");
+        }
+    }
+    EXPECT_EQ(db.queries("FROM bn_ws_error") - before, 2);
+
+    std::ostringstream out;
+    BnWsError::find(2).printIt(out);
+    EXPECT_EQ(out.str(), "id_bn_ws_error: 2,name: WS_ERR_NOT_FOUND,http_status: 404,error_text: not found\n");
+}
+
+TEST(BnWsMetadataQueryOptions, CategoriesListTheirItemsInDatabaseOrder) {
+    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    int before = db.queries("FROM bn_ws_metadata_query_options");
+    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(0, 123456));
+    EXPECT_EQ(db.queries("FROM bn_ws_metadata_query_options"), before);
+
+    // The order is the database's, whatever index it walks.
+    std::vector<unsigned int> direct;
+    db.session()
+        << "SELECT metadata_enum_value FROM bn_ws_metadata_query_options WHERE catagory_enum_value=2",
+        Poco::Data::Keywords::into(direct), Poco::Data::Keywords::now;
+    ASSERT_EQ(direct.size(), 3u);
+    before = db.queries("FROM bn_ws_metadata_query_options");
+    EXPECT_EQ(BnWsMetadataQueryOptions::find(2), direct);
+    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(2, 3));
+    EXPECT_FALSE(BnWsMetadataQueryOptions::isMetadata(2, 4));
+    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(4, 1));
+    EXPECT_EQ(db.queries("FROM bn_ws_metadata_query_options") - before, 2);
+
+    try {
+        BnWsMetadataQueryOptions::isMetadata(7, 1);
+        FAIL() << "an unknown category offered metadata";
+    } catch (const Poco::NotFoundException& e) {
+        EXPECT_EQ(e.message(), "WS Metadata Category 7 not found in database");
+    }
+    EXPECT_THROW(BnWsMetadataQueryOptions::find(7), Poco::NotFoundException);
+}
+
+TEST(BnMarkupType, NamesBothWaysWithNullForUnknownNamesAndAnErrorForUnknownNumbers) {
+    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    EXPECT_EQ(BnMarkupType::find(22), "Sequence");
+    EXPECT_THROW(BnMarkupType::find(555), Poco::NullValueException);
+    EXPECT_TRUE(BnMarkupType::findReverse("unknown").isNull());
+    EXPECT_TRUE(BnMarkupType::findReverse("sequence").isNull());
+
+    Poco::Nullable<int> enumerated = BnMarkupType::findReverse("Enumerated");
+    ASSERT_FALSE(enumerated.isNull());
+    EXPECT_EQ(enumerated.value(), 9);
+    int before = db.queries("FROM bn_markup_type");
+    EXPECT_EQ(BnMarkupType::find(9), "Enumerated");
+    EXPECT_EQ(BnMarkupType::findReverse("Sequence").value(), 22);
+    EXPECT_EQ(db.queries("FROM bn_markup_type"), before);
+}
