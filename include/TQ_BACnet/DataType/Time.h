@@ -1,0 +1,31 @@
+#pragma once
+
+#include "tq_stack/values.h"
+
+#include <string>
+
+namespace TQ {
+namespace BACnet {
+namespace DataType {
+
+/// A BACnet Time with its text form "hh.mm.ss.hh", "*" standing for an unspecified field.
+/// Same layout as the codec's time.
+class Time : public BACnet_Time {
+public:
+    /// Every field unspecified.
+    Time();
+    Time(const BACnet_Time& other) : BACnet_Time(other) {}
+
+    Time& operator=(const BACnet_Time& other);
+    /// Parses the text form; Poco::BadCastException for fewer than four fields,
+    /// Poco::RangeException for a field out of range, Poco::SyntaxException for a non-number.
+    Time& operator=(const std::string& text);
+
+    /// Replaces `out` by the text form; Poco::RangeException for a field out of range.
+    static std::string& getString(const BACnet_Time& time, std::string& out);
+    std::string getString() const;
+};
+
+}  // namespace DataType
+}  // namespace BACnet
+}  // namespace TQ

@@ -1,0 +1,186 @@
+#pragma once
+
+#include "TQ_BACnet/BACnetDataType.h"
+#include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/DataPropertyInObject0.h"
+#include "tq_stack/enums.h"
+
+#include <Poco/Any.h>
+#include <Poco/Exception.h>
+#include <Poco/Timestamp.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace TQ {
+namespace Utility {
+class OctetBuffer;
+}
+namespace BACnet {
+
+class DataErrorRef;
+class DataWriteProperty;
+
+namespace DataType {
+class OctetString;
+class BitString;
+class Date;
+class Time;
+}  // namespace DataType
+
+/// One BACnet property value of any shape (a single primitive, an array or list of primitives,
+/// constructed values) together with the descriptor that says how to read it.
+///
+/// The descriptor's structure tells the shape: a single value holds one object, anything else a
+/// vector. A descriptor tag other than NULL means primitives (`DataApplicationValue`); tag NULL
+/// with a data type other than 0 means a constructed value; data type 0 means no value.
+///
+/// Constructed values are held, until their classes exist, as their encoded bytes
+/// (`TQ::Utility::OctetBuffer`, one object for the whole property value): they encode back
+/// byte for byte and their text form is that encoding in hexadecimal.
+class ValueContainer {
+public:
+    /// The property descriptor as the container carries it.
+    class DataPropertyInObject : public DataPropertyInObject0 {
+    public:
+        using DataPropertyInObject0::DataPropertyInObject0;
+        DataPropertyInObject() = default;
+        DataPropertyInObject(const DataPropertyInObject0& other) : DataPropertyInObject0(other) {}
+    };
+
+    /// One APDU: the size of scratch encodings and the limit of an encoded vector.
+    static constexpr int MAX_ENCODED = 1476;
+
+    ValueContainer();
+    /// A single primitive (or the chain it starts), described by its own tag.
+    explicit ValueContainer(const DataApplicationValue& value);
+    ValueContainer(const ValueContainer&) = default;
+    ValueContainer(ValueContainer&&) = default;
+    ValueContainer& operator=(const ValueContainer&) = default;
+    ValueContainer& operator=(ValueContainer&&) = default;
+    ~ValueContainer() = default;
+
+    /// Default descriptor and a single null value.
+    void init();
+
+    const DataPropertyInObject& getDescriptor() const { return _descriptor; }
+    BACnetDataType getDataType() const { return _descriptor.datatype; }
+    BACNET_APPLICATION_TAG getTag() const { return _descriptor.tag; }
+    BACnetDataTypeStructure getStructure() const { return _descriptor.structure; }
+    bool isPrimitive() const {
+        return getTag() != BACNET_APPLICATION_TAG_NULL || getDataType() == BACNET_DT_NULL;
+    }
+    const Poco::Any& getAny() const { return _value; }
+
+    // --- decoding: bytes consumed, or negative with the error written to `error` ---
+    /// Looks the descriptor up for the property; an unknown pair returns -1 and leaves `error`.
+    int decode(const uint8_t* apdu, int length, unsigned maxValues, BACNET_OBJECT_TYPE objectType,
+               BACNET_PROPERTY_ID property, int arrayIndex, DataErrorRef& error);
+    int decode(const uint8_t* apdu, int length, unsigned maxValues, const DataPropertyInObject& descriptor,
+               int arrayIndex, DataErrorRef& error);
+    /// With the descriptor already in the container. `maxValues` 0 means no limit, `arrayIndex`
+    /// -1 means none.
+    int decode(const uint8_t* apdu, int length, unsigned maxValues, int arrayIndex, DataErrorRef& error);
+
+    // --- encoding ---
+    /// At most MAX_ENCODED bytes are written for a vector.
+    int encode(uint8_t* apdu) const;
+    /// Replaces the buffer's content by the encoding.
+    int encode2(TQ::Utility::OctetBuffer& buffer) const;
+    /// Always Poco::NotImplementedException.
+    int encodeContext(uint8_t* apdu, uint8_t tagNumber) const;
+
+    // --- typed getters of a single primitive ---
+    bool getBool() const;
+    unsigned getUInt() const;
+    unsigned getEnum() const;
+    int getInt() const;
+    double getDouble() const;
+    float getReal(bool convert) const;
+    void getOctetString(DataType::OctetString& out) const;
+    void getCharString(std::string& out) const;
+    void getBitString(DataType::BitString& out) const;
+    void getDate(DataType::Date& out) const;
+    void getTime(DataType::Time& out) const;
+    DataType::ObjectIdentifier getObjectIdentifier() const;
+
+    // --- typed setters: a single primitive, the descriptor following its tag ---
+    void setBool(bool value);
+    void setUInt(unsigned value);
+    void setInt(int value);
+    void setReal(float value);
+    void setDouble(double value);
+    void setOctetString(const DataType::OctetString& value);
+    void setCharString(const std::string& value);
+    void setBitString(const DataType::BitString& value);
+    void setEnum(unsigned value);
+    void setDate(const DataType::Date& value);
+    void setTime(const DataType::Time& value);
+    void setObjectIdentifier(DataType::ObjectIdentifier value);
+
+    /// Stores a primitive or a chain of primitives linked through `next`. Without a descriptor
+    /// the value's own tag describes it.
+    void setApplicationValue(const DataApplicationValue& first, const DataPropertyInObject* descriptor);
+    /// Relinks a vector into a chain (element i's next is element i+1; the last is left alone).
+    void setApplicationValueLinks(std::vector<DataApplicationValue>& values) const;
+
+    /// The single held object as T; Poco::BadCastException "Failed to convert between Any types"
+    /// when something else is held.
+    template <class T>
+    T& getValue(T& out) const {
+        out = held<T>();
+        return out;
+    }
+    /// All held objects as a vector (a single value gives a vector of one).
+    template <class T>
+    std::vector<T>& getValues(std::vector<T>& out) const {
+        if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
+            out.assign(1, held<T>());
+        } else {
+            out = held<std::vector<T>>();
+        }
+        return out;
+    }
+
+    // --- text ---
+    /// Never throws: false when the text does not read.
+    bool setText(BACnetDataType dataType, BACNET_APPLICATION_TAG tag, const std::string& text,
+                 bool emptyIsNull);
+    std::string& getText(std::string& out, bool useNames) const;
+    bool setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG tag,
+                    const std::vector<std::string>& texts, bool emptyIsNull);
+    bool getStrings(std::vector<std::string>& out, DataWriteProperty& request) const;
+
+private:
+    template <class T>
+    const T& held() const {
+        const T* value = Poco::AnyCast<T>(&_value);
+        if (value == nullptr) throw Poco::BadCastException("Failed to convert between Any types");
+        return *value;
+    }
+    const DataApplicationValue& single() const { return held<DataApplicationValue>(); }
+
+    /// The held object of type T, created when something else is held. Reusing it keeps
+    /// repeated decodes into one container free of allocations.
+    template <class T>
+    T& reuse() {
+        T* value = Poco::AnyCast<T>(&_value);
+        if (value == nullptr) {
+            _value = T();
+            value = Poco::AnyCast<T>(&_value);
+        }
+        return *value;
+    }
+
+    int decodePrimitives(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);
+    int decodeConstructed(const uint8_t* apdu, int length, DataErrorRef& error);
+    /// Stores a value, or the chain it starts, as the held single value or vector.
+    void storeChain(const DataApplicationValue& first);
+
+    DataPropertyInObject _descriptor;
+    Poco::Any _value;
+};
+
+}  // namespace BACnet
+}  // namespace TQ
