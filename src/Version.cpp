@@ -3,7 +3,9 @@
 namespace TQ {
 namespace BACnet {
 
-const char* version() { return TQ_BACNET_VERSION; }
+const char* version() {
+    return TQ_BACNET_VERSION;
+}
 
 }  // namespace BACnet
 }  // namespace TQ

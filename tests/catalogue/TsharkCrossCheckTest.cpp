@@ -36,7 +36,8 @@ const std::set<std::pair<std::string, long long>> kAllowed = {
     {"bacapp.property_identifier", 122},  // vt-class-supported (standard: vt-classes-supported)
     {"bacapp.property_identifier", 130},  // event-time-stamp (standard: event-time-stamps)
     {"bacapp.property_identifier", 489},  // subordinate-relationship (standard: subordinate-relationships)
-    {"bacapp.property_identifier", 4194311},  // ssc-direct-connect-binding (standard: sc-direct-connect-binding)
+    {"bacapp.property_identifier",
+     4194311},  // ssc-direct-connect-binding (standard: sc-direct-connect-binding)
     {"bacapp.property_identifier", 4194315},  // sc-failed-connection-request (standard: ...-requests)
     // The analyser prefixes the IPv4 network-port properties with "bacnet-".
     {"bacapp.property_identifier", 400},
