@@ -130,64 +130,67 @@ const char* const kApplicationTags[] = {"NULL",
                                         "Time",
                                         "BACnetObjectIdentifier"};
 
-const char* const kConfirmedServices[] = {"acknowledgeAlarm",
-                                          "confirmedCOVNotification",
-                                          "confirmedEventNotification",
-                                          "getAlarmSummary",
-                                          "getEnrollmentSummary",
-                                          "subscribeCOV",
-                                          "atomicReadFile",
-                                          "atomicWriteFile",
-                                          "addListElement",
-                                          "removeListElement",
-                                          "createObject",
-                                          "deleteObject",
-                                          "readProperty",
-                                          "readPropertyConditional",
-                                          "readPropertyMultiple",
-                                          "writeProperty",
-                                          "writePropertyMultiple",
-                                          "deviceCommunicationControl",
-                                          "confirmedPrivateTransfer",
-                                          "confirmedTextMessage",
-                                          "reinitializeDevice",
-                                          "vtOpen",
-                                          "vtClose",
-                                          "vtData",
-                                          "authenticate",
-                                          "requestKey",
-                                          "readRange",
-                                          "lifeSafetyOperation",
-                                          "subscribeCOVProperty",
-                                          "getEventInformation",
-                                          "subscribeCOVPropertyMultiple",
-                                          "confirmedCOVNotificationMultiple",
-                                          "confirmedAuditNotification",
-                                          "auditLogQuery"};
+// Service names in the standard's hyphenated form, like every other name table here. The
+// withdrawn choices (read-property-conditional, authenticate, request-key) stay unnamed so
+// that their numbers read as unknown rather than as services a device could still offer.
+const char* const kConfirmedServices[] = {"acknowledge-alarm",
+                                          "confirmed-cov-notification",
+                                          "confirmed-event-notification",
+                                          "get-alarm-summary",
+                                          "get-enrollment-summary",
+                                          "subscribe-cov",
+                                          "atomic-read-file",
+                                          "atomic-write-file",
+                                          "add-list-element",
+                                          "remove-list-element",
+                                          "create-object",
+                                          "delete-object",
+                                          "read-property",
+                                          nullptr,
+                                          "read-property-multiple",
+                                          "write-property",
+                                          "write-property-multiple",
+                                          "device-communication-control",
+                                          "confirmed-private-transfer",
+                                          "confirmed-text-message",
+                                          "reinitialize-device",
+                                          "vt-open",
+                                          "vt-close",
+                                          "vt-data",
+                                          nullptr,
+                                          nullptr,
+                                          "read-range",
+                                          "life-safety-operation",
+                                          "subscribe-cov-property",
+                                          "get-event-information",
+                                          "subscribe-cov-property-multiple",
+                                          "confirmed-cov-notification-multiple",
+                                          "confirmed-audit-notification",
+                                          "audit-log-query"};
 static_assert(sizeof kConfirmedServices / sizeof *kConfirmedServices == MAX_BACNET_CONFIRMED_SERVICE,
-              "one name per confirmed service");
+              "one entry per confirmed service");
 
-const char* const kUnconfirmedServices[] = {"i-Am",
-                                            "i-Have",
-                                            "unconfirmedCOVNotification",
-                                            "unconfirmedEventNotification",
-                                            "unconfirmedPrivateTransfer",
-                                            "unconfirmedTextMessage",
-                                            "timeSynchronization",
-                                            "who-Has",
-                                            "who-Is",
-                                            "utcTimeSynchronization",
-                                            "writeGroup",
-                                            "unconfirmedCOVNotificationMultiple",
-                                            "unconfirmedAuditNotification",
-                                            "who-Am-I",
-                                            "you-Are"};
+const char* const kUnconfirmedServices[] = {"i-am",
+                                            "i-have",
+                                            "unconfirmed-cov-notification",
+                                            "unconfirmed-event-notification",
+                                            "unconfirmed-private-transfer",
+                                            "unconfirmed-text-message",
+                                            "time-synchronization",
+                                            "who-has",
+                                            "who-is",
+                                            "utc-time-synchronization",
+                                            "write-group",
+                                            "unconfirmed-cov-notification-multiple",
+                                            "unconfirmed-audit-notification",
+                                            "who-am-i",
+                                            "you-are"};
 static_assert(sizeof kUnconfirmedServices / sizeof *kUnconfirmedServices == MAX_BACNET_UNCONFIRMED_SERVICE,
-              "one name per unconfirmed service");
+              "one entry per unconfirmed service");
 
 template <size_t N>
 const char* indexed(const char* const (&names)[N], unsigned index, const char* fallback) {
-    return index < N ? names[index] : fallback;
+    return index < N && names[index] ? names[index] : fallback;
 }
 
 const char* orFallback(const char* found, const char* fallback) {
@@ -261,7 +264,7 @@ bool bactext_property_index(const char* name, unsigned* index) {
 bool bactext_confirmed_service_index(const char* name, unsigned* index) {
     if (!name) return false;
     for (unsigned i = 0; i < MAX_BACNET_CONFIRMED_SERVICE; ++i) {
-        if (std::strcmp(kConfirmedServices[i], name) == 0) {
+        if (kConfirmedServices[i] && std::strcmp(kConfirmedServices[i], name) == 0) {
             if (index) *index = i;
             return true;
         }

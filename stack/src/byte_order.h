@@ -50,11 +50,21 @@ inline uint64_t bitsOfDouble(double d) {
     return bits;
 }
 
-// Unsigned of 1..4 bytes; the caller has checked the length.
+// Unsigned of 1..4 bytes; the caller has checked the length. A switch rather than a loop: this
+// sits under every Unsigned and ENUMERATED a peer sends.
 inline uint32_t loadBeN(const uint8_t* p, uint32_t n) {
-    uint32_t v = 0;
-    for (uint32_t i = 0; i < n; ++i) v = (v << 8) | p[i];
-    return v;
+    switch (n) {
+        case 1:
+            return p[0];
+        case 2:
+            return (uint32_t(p[0]) << 8) | p[1];
+        case 3:
+            return (uint32_t(p[0]) << 16) | (uint32_t(p[1]) << 8) | p[2];
+        case 4:
+            return loadBe32(p);
+        default:
+            return 0;
+    }
 }
 
 }  // namespace tq_stack_detail

@@ -583,9 +583,22 @@ int decode_application_boolean(const uint8_t* apdu, uint32_t apdu_len, bool* val
     return h;
 }
 
-int decode_application_unsigned(const uint8_t* apdu, uint32_t apdu_len, BACNET_UNSIGNED_INTEGER* value) {
+__attribute__((noinline)) static int decodeApplicationUnsignedSlow(const uint8_t* apdu, uint32_t apduLen,
+                                                                   BACNET_UNSIGNED_INTEGER* value) {
     return decodeApplication<BACNET_UNSIGNED_INTEGER, decode_unsigned>(
-        apdu, apdu_len, BACNET_APPLICATION_TAG_UNSIGNED_INT, value);
+        apdu, apduLen, BACNET_APPLICATION_TAG_UNSIGNED_INT, value);
+}
+
+int decode_application_unsigned(const uint8_t* apdu, uint32_t apdu_len, BACNET_UNSIGNED_INTEGER* value) {
+    // One tag byte with a length of 1..4 is every Unsigned a 32-bit value can hold.
+    if (apdu && value && apdu_len >= 2) {
+        const uint32_t len = uint32_t(apdu[0]) - (BACNET_APPLICATION_TAG_UNSIGNED_INT << 4);
+        if (len - 1 < 4 && len < apdu_len) {
+            *value = loadBeN(apdu + 1, len);
+            return int(len + 1);
+        }
+    }
+    return decodeApplicationUnsignedSlow(apdu, apdu_len, value);
 }
 
 int decode_application_signed(const uint8_t* apdu, uint32_t apdu_len, int32_t* value) {
@@ -593,13 +606,21 @@ int decode_application_signed(const uint8_t* apdu, uint32_t apdu_len, int32_t* v
                                                      value);
 }
 
+// The general path of the tagged decoders below, kept out of line so that their one-octet fast
+// paths need no stack frame.
+__attribute__((noinline)) static int decodeApplicationRealSlow(const uint8_t* apdu, uint32_t apduLen,
+                                                               float* value) {
+    return decodeApplication<float, decodeRealContent>(apdu, apduLen, BACNET_APPLICATION_TAG_REAL, value);
+}
+
 int decode_application_real(const uint8_t* apdu, uint32_t apdu_len, float* value) {
     // The common case of a property value: one tag byte, four content bytes.
-    if (apdu && value && apdu_len >= 5 && apdu[0] == (BACNET_APPLICATION_TAG_REAL << 4 | 4)) {
+    if (!apdu || !value) return BACNET_STATUS_ERROR;
+    if (apdu_len >= 5 && apdu[0] == (BACNET_APPLICATION_TAG_REAL << 4 | 4)) {
         *value = floatFromBits(loadBe32(apdu + 1));
         return 5;
     }
-    return decodeApplication<float, decodeRealContent>(apdu, apdu_len, BACNET_APPLICATION_TAG_REAL, value);
+    return decodeApplicationRealSlow(apdu, apdu_len, value);
 }
 
 int decode_application_double(const uint8_t* apdu, uint32_t apdu_len, double* value) {

@@ -23,24 +23,41 @@ static inline int bacapp_decode_application_data(const uint8_t* apdu, uint32_t a
                                                  BACNET_APPLICATION_DATA_VALUE* value) {
     if (apdu && value && apdu_len > 1) {
         const unsigned first = apdu[0];
-        const unsigned len = first & 0x0Fu;  // the class bit pushes context tags out of 1..4
+        if (first == (BACNET_APPLICATION_TAG_REAL << 4 | 4) && apdu_len >= 5) {
+            const uint32_t bits = (uint32_t(apdu[1]) << 24) | (uint32_t(apdu[2]) << 16) |
+                                  (uint32_t(apdu[3]) << 8) | uint32_t(apdu[4]);
+            std::memcpy(&value->type.Real, &bits, sizeof bits);
+            value->tag = BACNET_APPLICATION_TAG_REAL;
+            value->context_specific = false;
+            value->context_tag = 0;
+            return 5;
+        }
         const unsigned tag = first >> 4;
-        if (len >= 1 && len <= 4 && len < apdu_len) {
-            if (tag == BACNET_APPLICATION_TAG_REAL && len == 4) {
-                const uint32_t bits = (uint32_t(apdu[1]) << 24) | (uint32_t(apdu[2]) << 16) |
-                                      (uint32_t(apdu[3]) << 8) | uint32_t(apdu[4]);
-                std::memcpy(&value->type.Real, &bits, sizeof bits);
-            } else if (tag == BACNET_APPLICATION_TAG_UNSIGNED_INT ||
-                       tag == BACNET_APPLICATION_TAG_ENUMERATED) {
-                uint32_t v = 0;
-                for (unsigned i = 1; i <= len; ++i) v = (v << 8) | apdu[i];
-                if (tag == BACNET_APPLICATION_TAG_UNSIGNED_INT)
-                    value->type.Unsigned_Int = v;
-                else
-                    value->type.Enumerated = v;
-            } else {
-                return bacapp_decode_application_data_full(apdu, apdu_len, value);
+        const unsigned len = first & 0x0Fu;  // the class bit pushes context tags out of 1..4
+        if ((tag == BACNET_APPLICATION_TAG_UNSIGNED_INT || tag == BACNET_APPLICATION_TAG_ENUMERATED) &&
+            len - 1u < 4u && len < apdu_len) {
+            const uint8_t* p = apdu + 1;
+            uint32_t v;
+            switch (len) {
+                case 1:
+                    v = p[0];
+                    break;
+                case 2:
+                    v = (uint32_t(p[0]) << 8) | p[1];
+                    break;
+                case 3:
+                    v = (uint32_t(p[0]) << 16) | (uint32_t(p[1]) << 8) | p[2];
+                    break;
+                case 4:
+                    v = (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | p[3];
+                    break;
+                default:
+                    return bacapp_decode_application_data_full(apdu, apdu_len, value);
             }
+            if (tag == BACNET_APPLICATION_TAG_UNSIGNED_INT)
+                value->type.Unsigned_Int = v;
+            else
+                value->type.Enumerated = v;
             value->tag = uint8_t(tag);
             value->context_specific = false;
             value->context_tag = 0;

@@ -1,12 +1,11 @@
 // Names of protocol numbers, never NULL.
 //
-// Object types, properties, error classes and codes, abort and reject reasons use the
-// standard's lower-case hyphenated words ("analog-input", "present-value", "property",
-// "unknown-property"). Application tags and services use the names the standard's ASN.1 gives
-// them: tags by their type names ("NULL", "BOOLEAN", "Unsigned", "INTEGER", "REAL", "Double",
+// Object types, properties, error classes and codes, abort and reject reasons and services use
+// the standard's lower-case hyphenated words ("analog-input", "present-value", "property",
+// "unknown-property", "read-property", "i-am", "who-is"). Application tags use the type names
+// of the standard's ASN.1 ("NULL", "BOOLEAN", "Unsigned", "INTEGER", "REAL", "Double",
 // "OCTET STRING", "CharacterString", "BIT STRING", "ENUMERATED", "Date", "Time",
-// "BACnetObjectIdentifier"), services by their choice names ("acknowledgeAlarm",
-// "readProperty", "getEventInformation", "i-Am", "who-Is").
+// "BACnetObjectIdentifier").
 //
 // Numbers without a name give "proprietary-..." inside a proprietary range and "unknown-..."
 // otherwise (e.g. "unknown-error-code"); the _default variants return the caller's fallback

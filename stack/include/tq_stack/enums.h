@@ -38,7 +38,9 @@ typedef enum BACnetObjectType : uint32_t {
     OBJECT_NONE = 0xFFFF
 } BACNET_OBJECT_TYPE;
 
-// Identifiers 512..4194303 are proprietary; the standard continues above 4194303.
+// Identifiers 512..4194303 are proprietary; the standard's later properties continue from
+// 4194304. MAX_BACNET_PROPERTY_ID is the end of the proprietary range, not a bound on what a peer
+// may send: a property identifier is any 32-bit ENUMERATED value on the wire.
 typedef enum BACnetPropertyId : uint32_t {
     TQ_STACK_PROPERTY_IDS(TQ_STACK_ENUMERATOR) PROP_PROPRIETARY_RANGE_MIN = 512,
     PROP_PROPRIETARY_RANGE_MAX = 4194303,
@@ -129,8 +131,8 @@ typedef enum BACnetUnconfirmedService : uint32_t {
     MAX_BACNET_UNCONFIRMED_SERVICE = 15
 } BACNET_UNCONFIRMED_SERVICE;
 
-// Bit numbers of the protocol-services-supported bit string. The gateway's service tables end
-// at bit 39 and use 40 as their end marker, so the later bits are not enumerated.
+// Bit numbers of the protocol-services-supported bit string. MAX_BACNET_SERVICES_SUPPORTED is
+// one past the last bit and the length of a complete services-supported bit string.
 typedef enum BACnetServicesSupported : uint32_t {
     SERVICE_SUPPORTED_ACKNOWLEDGE_ALARM = 0,
     SERVICE_SUPPORTED_CONFIRMED_COV_NOTIFICATION = 1,
@@ -172,7 +174,16 @@ typedef enum BACnetServicesSupported : uint32_t {
     SERVICE_SUPPORTED_LIFE_SAFETY_OPERATION = 37,
     SERVICE_SUPPORTED_SUBSCRIBE_COV_PROPERTY = 38,
     SERVICE_SUPPORTED_GET_EVENT_INFORMATION = 39,
-    MAX_BACNET_SERVICES_SUPPORTED = 40
+    SERVICE_SUPPORTED_WRITE_GROUP = 40,
+    SERVICE_SUPPORTED_SUBSCRIBE_COV_PROPERTY_MULTIPLE = 41,
+    SERVICE_SUPPORTED_CONFIRMED_COV_NOTIFICATION_MULTIPLE = 42,
+    SERVICE_SUPPORTED_UNCONFIRMED_COV_NOTIFICATION_MULTIPLE = 43,
+    SERVICE_SUPPORTED_CONFIRMED_AUDIT_NOTIFICATION = 44,
+    SERVICE_SUPPORTED_AUDIT_LOG_QUERY = 45,
+    SERVICE_SUPPORTED_UNCONFIRMED_AUDIT_NOTIFICATION = 46,
+    SERVICE_SUPPORTED_WHO_AM_I = 47,
+    SERVICE_SUPPORTED_YOU_ARE = 48,
+    MAX_BACNET_SERVICES_SUPPORTED = 49
 } BACNET_SERVICES_SUPPORTED;
 
 typedef enum BACnetCharacterStringEncoding : uint32_t {

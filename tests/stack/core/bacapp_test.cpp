@@ -113,6 +113,7 @@ TEST(ApplicationValues, CopiesAndDecodesTouchOnlyTheUsedBytes) {
     EXPECT_EQ(dest.type.Octet_String.value[2], 0xCC);
 
     BACNET_APPLICATION_DATA_VALUE bits;
+    bacapp_value_init(&bits);
     bits.tag = BACNET_APPLICATION_TAG_BIT_STRING;
     bitstring_init(&bits.type.Bit_String);
     bitstring_set_bit(&bits.type.Bit_String, 9, true);
@@ -129,6 +130,7 @@ TEST(ApplicationValues, CopiesAndDecodesTouchOnlyTheUsedBytes) {
 
     // Invalid tags are refused and leave the destination as it was.
     BACNET_APPLICATION_DATA_VALUE bad;
+    bacapp_value_init(&bad);
     bad.tag = 13;
     dest.tag = BACNET_APPLICATION_TAG_REAL;
     EXPECT_FALSE(bacapp_copy(&dest, &bad));

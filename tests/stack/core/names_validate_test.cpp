@@ -23,12 +23,15 @@ TEST(Names, StandardWordsForKnownNumbers) {
     EXPECT_STREQ(bactext_property_name(PROP_COV_INCREMENT), "cov-increment");
     EXPECT_STREQ(bactext_property_name(PROP_PROPERTY_LIST), "property-list");
     EXPECT_STREQ(bactext_property_name(4194304), "max-bvlc-length-accepted");
-    EXPECT_STREQ(bactext_confirmed_service_name(0), "acknowledgeAlarm");
-    EXPECT_STREQ(bactext_confirmed_service_name(12), "readProperty");
-    EXPECT_STREQ(bactext_confirmed_service_name(14), "readPropertyMultiple");
-    EXPECT_STREQ(bactext_confirmed_service_name(15), "writeProperty");
-    EXPECT_STREQ(bactext_confirmed_service_name(29), "getEventInformation");
-    EXPECT_STREQ(bactext_unconfirmed_service_name(SERVICE_UNCONFIRMED_WHO_IS), "who-Is");
+    EXPECT_STREQ(bactext_confirmed_service_name(12), "read-property");
+    EXPECT_STREQ(bactext_unconfirmed_service_name(SERVICE_UNCONFIRMED_WHO_IS), "who-is");
+    // Withdrawn choices must not read as services a device could offer.
+    EXPECT_STREQ(bactext_confirmed_service_name(13), "unknown-confirmed-service");
+    EXPECT_STREQ(bactext_confirmed_service_name_default(25, "-"), "-");
+    unsigned index = 99;
+    EXPECT_FALSE(bactext_confirmed_service_index("read-property-conditional", &index));
+    EXPECT_TRUE(bactext_confirmed_service_index("write-property", &index));
+    EXPECT_EQ(index, 15u);
     EXPECT_STREQ(bactext_application_tag_name(BACNET_APPLICATION_TAG_REAL), "REAL");
     EXPECT_STREQ(bactext_application_tag_name(BACNET_APPLICATION_TAG_CHARACTER_STRING), "CharacterString");
     EXPECT_STREQ(bactext_application_tag_name(BACNET_APPLICATION_TAG_OBJECT_ID), "BACnetObjectIdentifier");
@@ -75,7 +78,7 @@ TEST(Names, TablesAreUniqueAndReverseLookupsRoundTrip) {
     EXPECT_EQ(type, unsigned(OBJECT_TREND_LOG));
     EXPECT_FALSE(bactext_object_type_index("trendlog", &type));
     unsigned service = 0;
-    ASSERT_TRUE(bactext_confirmed_service_index("readRange", &service));
+    ASSERT_TRUE(bactext_confirmed_service_index("read-range", &service));
     EXPECT_EQ(service, unsigned(SERVICE_CONFIRMED_READ_RANGE));
     EXPECT_FALSE(bactext_confirmed_service_index(nullptr, &service));
 }
