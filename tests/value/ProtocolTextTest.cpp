@@ -2,12 +2,10 @@
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
 #include "TQ_BACnet/ProtocolText.h"
 #include "ValueDatabase.h"
-
-#include <Poco/Exception.h>
-
-#include <gtest/gtest.h>
+#include "ValueTestSupport.h"
 
 using TQ::BACnet::ProtocolText;
+using TQValueTest::messageOf;
 
 namespace {
 
@@ -20,11 +18,6 @@ protected:
         db.seedEnum(ProtocolText::PROPERTY_NAMES, 85, "present-value");
     }
 };
-
-std::string formatted(const std::string& name, ProtocolText::IdentifierNameFormat to,
-                      ProtocolText::IdentifierNameFormat from = ProtocolText::INF_DETECT) {
-    return ProtocolText::formatIdentifierName(name, to, from);
-}
 
 }  // namespace
 
@@ -46,14 +39,9 @@ TEST_F(ProtocolTextCatalogue, namesResolveThroughTheCatalogue) {
 
 TEST_F(ProtocolTextCatalogue, objectIdentifiersAndValuesUseTheNames) {
     using TQ::BACnet::DataType::ObjectIdentifier;
-    ObjectIdentifier byName(std::string("analog-input,3"));
-    EXPECT_EQ(ObjectIdentifier(std::string("0,3")), byName);
-    try {
-        ObjectIdentifier(std::string("heater,3"));
-        FAIL();
-    } catch (const Poco::NotFoundException& e) {
-        EXPECT_EQ("String \"heater,3\" does contain valid BACnet Object Type name", e.message());
-    }
+    EXPECT_EQ(ObjectIdentifier(std::string("0,3")), ObjectIdentifier(std::string("analog-input,3")));
+    EXPECT_EQ("String \"heater,3\" does contain valid BACnet Object Type name",
+              messageOf<Poco::NotFoundException>([] { ObjectIdentifier(std::string("heater,3")); }));
 
     TQ::BACnet::DataApplicationValue v;
     v.setObjectIdentifier(ObjectIdentifier(static_cast<BACNET_OBJECT_TYPE>(8), 1));
@@ -66,10 +54,7 @@ TEST_F(ProtocolTextCatalogue, objectIdentifiersAndValuesUseTheNames) {
 TEST_F(ProtocolTextCatalogue, enumerationsAndBitsPrintByName) {
     // A proprietary enumerated type with its own construct and names.
     auto& db = TQValueTest::ValueDatabase::instance();
-    db.seed("SELECT COUNT(*) FROM bn_datatype_construct WHERE id_bn_datatype_construct=60001",
-            "INSERT INTO bn_datatype_construct (id_bn_datatype_construct, id_parent, id_bn_datatype, "
-            "id_bn_markup, "
-            "name, optional, sort) VALUES (60001, NULL, 3987, 9, 'TestMode', 0, 0)");
+    db.seedConstruct(60001, 3987, "TestMode");
     db.seedEnum(60001, 0, "off");
     db.seedEnum(60001, 2, "boost");
     const auto type = static_cast<TQ::BACnet::BACnetDataType>(3987);
@@ -80,48 +65,50 @@ TEST_F(ProtocolTextCatalogue, enumerationsAndBitsPrintByName) {
     EXPECT_EQ("2", v.getText(false, type, nullptr, nullptr, false));
     v.setEnum(1);
     EXPECT_EQ("1", v.getText(true, type, nullptr, nullptr, false));  // a value without a name
-
     v.setText(BACNET_APPLICATION_TAG_BIT_STRING, "true,false,true", false);
     EXPECT_EQ("off;boost", v.getText(true, type, nullptr, nullptr, false));
     EXPECT_EQ("0;2", v.getText(false, type, nullptr, nullptr, false));
     EXPECT_EQ("true,false,true", v.getText(true, type, nullptr, nullptr, true));
 }
 
-TEST(ProtocolTextFormat, detectsFormats) {
-    EXPECT_EQ(ProtocolText::INF_SPACED, ProtocolText::detectIdentfierFormat("Analog_Input"));
-    EXPECT_EQ(ProtocolText::INF_SPACED, ProtocolText::detectIdentfierFormat("Analog Input"));
-    EXPECT_EQ(ProtocolText::INF_HYPHENATED, ProtocolText::detectIdentfierFormat("analog_input"));
-    EXPECT_EQ(ProtocolText::INF_HYPHENATED, ProtocolText::detectIdentfierFormat("analog-input"));
-    EXPECT_EQ(ProtocolText::INF_UNDERSCORE, ProtocolText::detectIdentfierFormat(""));
-}
+TEST(ProtocolTextFormat, detectsAndConvertsFormats) {
+    const std::pair<const char*, ProtocolText::IdentifierNameFormat> detected[] = {
+        {"Analog_Input", ProtocolText::INF_SPACED},
+        {"Analog Input", ProtocolText::INF_SPACED},
+        {"analog_input", ProtocolText::INF_HYPHENATED},
+        {"analog-input", ProtocolText::INF_HYPHENATED},
+        {"", ProtocolText::INF_UNDERSCORE},
+    };
+    for (const auto& [name, format] : detected)
+        EXPECT_EQ(format, ProtocolText::detectIdentfierFormat(name)) << name;
 
-TEST(ProtocolTextFormat, convertsBetweenFormats) {
-    EXPECT_EQ("Analog Input", formatted("analog-input", ProtocolText::INF_SPACED));
-    EXPECT_EQ("Analog_Input", formatted("analog-input", ProtocolText::INF_UNDERSCORE));
-    EXPECT_EQ("analog-input", formatted("Analog Input", ProtocolText::INF_HYPHENATED));
-    EXPECT_EQ("analog-input",
-              formatted("Analog_Input", ProtocolText::INF_HYPHENATED, ProtocolText::INF_UNDERSCORE));
-    EXPECT_EQ("COV Increment", formatted("cov-increment", ProtocolText::INF_SPACED));
-    EXPECT_EQ("Max_Segments_Accepted", formatted("max-segments-accepted", ProtocolText::INF_UNDERSCORE));
-    // Same format: unchanged, upper-case letters included.
-    EXPECT_EQ("anaLog-Input",
-              formatted("anaLog-Input", ProtocolText::INF_HYPHENATED, ProtocolText::INF_HYPHENATED));
-    EXPECT_EQ("Analog  Input", formatted("analog--input", ProtocolText::INF_SPACED));
-    // Only the first "Cov" is upper-cased.
-    EXPECT_EQ("COV Cov", formatted("cov-cov", ProtocolText::INF_SPACED));
+    const auto D = ProtocolText::INF_DETECT, S = ProtocolText::INF_SPACED, U = ProtocolText::INF_UNDERSCORE,
+               H = ProtocolText::INF_HYPHENATED;
+    const struct {
+        const char* in;
+        ProtocolText::IdentifierNameFormat to, from;
+        const char* out;
+    } cases[] = {
+        {"analog-input", S, D, "Analog Input"},
+        {"analog-input", U, D, "Analog_Input"},
+        {"Analog Input", H, D, "analog-input"},
+        {"Analog_Input", H, U, "analog-input"},
+        {"cov-increment", S, D, "COV Increment"},
+        {"max-segments-accepted", U, D, "Max_Segments_Accepted"},
+        {"anaLog-Input", H, H, "anaLog-Input"},  // same format: unchanged, upper case included
+        {"analog--input", S, D, "Analog  Input"},
+        {"cov-cov", S, D, "COV Cov"},  // only the first "Cov" is upper-cased
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.out, ProtocolText::formatIdentifierName(c.in, c.to, c.from)) << c.in;
 
     std::string name = "present-value";
-    ProtocolText::formatIdentifierNameInPlace(name, ProtocolText::INF_SPACED, ProtocolText::INF_HYPHENATED);
+    ProtocolText::formatIdentifierNameInPlace(name, S, H);
     EXPECT_EQ("Present Value", name);
-
-    try {
-        formatted("x", static_cast<ProtocolText::IdentifierNameFormat>(4), ProtocolText::INF_SPACED);
-        FAIL();
-    } catch (const Poco::NotFoundException& e) {
-        EXPECT_EQ("Unknown from-format", e.message());
-    }
-    EXPECT_THROW(formatted("x", ProtocolText::INF_SPACED, static_cast<ProtocolText::IdentifierNameFormat>(7)),
-                 Poco::NotFoundException);
+    const auto bad = [](int format) { return static_cast<ProtocolText::IdentifierNameFormat>(format); };
+    EXPECT_EQ("Unknown from-format", messageOf<Poco::NotFoundException>(
+                                         [&] { ProtocolText::formatIdentifierName("x", bad(4), S); }));
+    EXPECT_THROW(ProtocolText::formatIdentifierName("x", S, bad(7)), Poco::NotFoundException);
 }
 
 TEST(ProtocolTextFormat, asn1TypeWordsBecomeWebServiceNames) {

@@ -23,46 +23,45 @@ public:
         return db;
     }
 
-    Poco::Data::Session& session() { return _db->getSession(); }
-
-    /// Runs `insert` unless `exists` (a SELECT COUNT(*) ...) finds a row.
-    void seed(const std::string& exists, const std::string& insert) {
-        using Poco::Data::Keywords::into;
-        using Poco::Data::Keywords::now;
+    /// Inserts `values` into `table` unless a row matches `where`.
+    void seed(const std::string& table, const std::string& where, const std::string& columns,
+              const std::string& values) {
+        using namespace Poco::Data::Keywords;
         int count = 0;
-        session() << exists, into(count), now;
-        if (count == 0) session() << insert, now;
+        _db->getSession() << "SELECT COUNT(*) FROM " + table + " WHERE " + where, into(count), now;
+        if (count == 0)
+            _db->getSession() << "INSERT INTO " + table + " (" + columns + ") VALUES (" + values + ")", now;
     }
 
-    /// An object-type name in the catalogue enumeration of object types (construct 120, data
-    /// type 1100).
-    void seedObjectTypeName(unsigned value, const std::string& name) {
-        seed("SELECT COUNT(*) FROM bn_datatype_construct WHERE id_bn_datatype_construct=120",
-             "INSERT INTO bn_datatype_construct (id_bn_datatype_construct, id_parent, id_bn_datatype, "
-             "id_bn_markup, name, optional, sort) VALUES (120, NULL, 1100, 9, 'BACnetObjectType', 0, 0)");
-        seedEnum(120, value, name);
+    void seedConstruct(unsigned construct, unsigned datatype, const std::string& name) {
+        const std::string id = std::to_string(construct);
+        seed("bn_datatype_construct", "id_bn_datatype_construct=" + id,
+             "id_bn_datatype_construct, id_parent, id_bn_datatype, id_bn_markup, name, optional, sort",
+             id + ", NULL, " + std::to_string(datatype) + ", 9, '" + name + "', 0, 0");
     }
 
     void seedEnum(unsigned construct, unsigned value, const std::string& name) {
-        const std::string where = " WHERE id_bn_datatype_construct=" + std::to_string(construct) +
-                                  " AND value=" + std::to_string(value);
-        seed("SELECT COUNT(*) FROM bn_datatype_enum" + where,
-             "INSERT INTO bn_datatype_enum (id_bn_datatype_construct, value, name) VALUES (" +
-                 std::to_string(construct) + "," + std::to_string(value) + ",'" + name + "')");
+        const std::string c = std::to_string(construct), v = std::to_string(value);
+        seed("bn_datatype_enum", "id_bn_datatype_construct=" + c + " AND value=" + v,
+             "id_bn_datatype_construct, value, name", c + "," + v + ",'" + name + "'");
     }
 
-    /// A property of an object type with its descriptor columns.
-    void seedProperty(unsigned objectType, unsigned property, unsigned datatype, unsigned tag,
-                      unsigned structure, bool emptyAllowed) {
-        const std::string where = " WHERE id_bn_object_type=" + std::to_string(objectType) +
-                                  " AND id_bn_property_type=" + std::to_string(property);
-        seed("SELECT COUNT(*) FROM bn_properties_in_object" + where,
-             "INSERT INTO bn_properties_in_object (id_bn_object_type, id_bn_property_type, optional, "
-             "empty_allowed, "
-             "id_bn_datatype, tag, tag_structure, managed_internally) VALUES (" +
-                 std::to_string(objectType) + "," + std::to_string(property) + ",0," +
-                 (emptyAllowed ? "1" : "0") + "," + std::to_string(datatype) + "," + std::to_string(tag) +
-                 "," + std::to_string(structure) + ",4)");
+    /// An object-type name in the catalogue enumeration of object types.
+    void seedObjectTypeName(unsigned value, const std::string& name) {
+        seedConstruct(120, 1100, "BACnetObjectType");
+        seedEnum(120, value, name);
+    }
+
+    /// A property of an object type holding a primitive datatype, whose number is also its tag.
+    void seedProperty(unsigned objectType, unsigned property, unsigned datatype, unsigned structure,
+                      bool emptyAllowed) {
+        const std::string o = std::to_string(objectType), p = std::to_string(property),
+                          d = std::to_string(datatype);
+        seed("bn_properties_in_object", "id_bn_object_type=" + o + " AND id_bn_property_type=" + p,
+             "id_bn_object_type, id_bn_property_type, optional, empty_allowed, id_bn_datatype, tag, "
+             "tag_structure, managed_internally",
+             o + "," + p + ",0," + (emptyAllowed ? "1," : "0,") + d + "," + d + "," +
+                 std::to_string(structure) + ",4");
     }
 
 private:
