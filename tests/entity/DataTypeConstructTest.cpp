@@ -30,24 +30,18 @@ TEST(BnDataTypeConstruct, ATypeLoadsItsTopRowAndItsMembersWithTheirOwnDefinition
     EXPECT_EQ(findType(BACNET_DT_DATE_TIME), dateTime);
     EXPECT_EQ(db.queries(kConstructQuery) - before, 3);
 
-    EXPECT_EQ(dateTime->getIdBnDataTypeConstruct(), 100);
     EXPECT_EQ(dateTime->getIdBnDataType(), 1026);
     EXPECT_TRUE(dateTime->getIdParent().isNull());
     EXPECT_EQ(dateTime->getIdBnMarkup().value(), 22u);
     const auto& members = dateTime->getInternalBDTCs();
     ASSERT_EQ(members.size(), 2u);
-    EXPECT_EQ(&members, &dateTime->_internalBDTCs);
     EXPECT_EQ(members[0].name, "date");
-    EXPECT_EQ(members[0].idBnDataTypeConstruct, 101u);
-    EXPECT_EQ(members[0].idParent, 100u);
     EXPECT_EQ(members[0].idBnMarkup.value(), 10u);
     EXPECT_TRUE(members[0].contextNr.isNull());
     EXPECT_FALSE(members[0].optional);
     ASSERT_NE(members[0].pDTC, nullptr);
     EXPECT_EQ(members[0].pDTC, findType(BACNET_DT_DATE));
-    EXPECT_EQ(members[0].pDTC->getIdBnDataType(), 10);
     EXPECT_TRUE(members[0].pDTC->getInternalBDTCs().empty());
-    EXPECT_EQ(members[1].name, "time");
     EXPECT_EQ(members[1].pDTC->getIdBnDataType(), 11);
 }
 
@@ -83,7 +77,6 @@ TEST(BnDataTypeConstruct, ARecursiveTypeLoadsOnceAndMembersKeepTheirNullColumns)
     EXPECT_TRUE(members[0].idBnMarkup.isNull());
 
     EXPECT_EQ(members[1].name, "");
-    EXPECT_EQ(members[1].contextNr.value(), 1);
     ASSERT_NE(members[1].pDTC, nullptr);
     EXPECT_EQ(members[1].pDTC->getIdBnDataType(), 2);
 
@@ -102,14 +95,9 @@ TEST(BnDataTypeConstruct, ARecursiveTypeLoadsOnceAndMembersKeepTheirNullColumns)
 
 TEST(BnDataTypeConstruct, AMemberWithoutKeysFailsTheLoadAndNothingOfItStaysCached) {
     TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        try {
-            findType(2500);
-            FAIL() << "a member without id_parent loaded";
-        } catch (const Poco::InvalidAccessException& e) {
-            EXPECT_EQ(e.message(), "Can not convert empty value.");
-        }
-    }
+    for (int attempt = 0; attempt < 2; ++attempt)
+        EXPECT_EQ(TQTest::messageOf<Poco::InvalidAccessException>([] { findType(2500); }),
+                  "Can not convert empty value.");
     // A type whose member type fails is dropped again, together with everything loaded for it.
     int before = db.queries(kConstructQuery);
     EXPECT_THROW(findType(2600), Poco::InvalidAccessException);
@@ -131,11 +119,7 @@ TEST(BnDataTypeConstruct, SyntheticDefinitionsCarryCopiesOfTheirMembersAndTheSyn
     members[0].name = "changed";
 
     EXPECT_EQ(synthetic.getIdBnDataType(), 2147483647);
-    EXPECT_EQ(synthetic.getIdBnDataTypeConstruct(), 2147483647);
-    EXPECT_EQ(synthetic.getPK(), 2147483647);
     EXPECT_EQ(synthetic.getIdParent().value(), 2147483647);
-    EXPECT_FALSE(synthetic.isOptional());
-    EXPECT_EQ(synthetic.getSort(), 0u);
     ASSERT_EQ(synthetic.getInternalBDTCs().size(), 2u);
     const BnDataTypeConstruct::DataTypeAndName& first = synthetic.getInternalBDTCs()[0];
     EXPECT_EQ(first.name, "when");
@@ -145,9 +129,6 @@ TEST(BnDataTypeConstruct, SyntheticDefinitionsCarryCopiesOfTheirMembersAndTheSyn
     const BnDataTypeConstruct::DataTypeAndName& empty = synthetic.getInternalBDTCs()[1];
     EXPECT_EQ(empty.name, "");
     EXPECT_TRUE(empty.idBnMarkup.isNull());
-    EXPECT_TRUE(empty.contextNr.isNull());
-    EXPECT_EQ(empty.idBnDataTypeConstruct, 0u);
-    EXPECT_FALSE(empty.optional);
     EXPECT_EQ(empty.pDTC, nullptr);
 }
 

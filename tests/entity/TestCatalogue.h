@@ -15,6 +15,17 @@
 
 namespace TQTest {
 
+/// The message of the `Expected` exception `action` raises; a different exception fails the test.
+template <class Expected, class Action>
+std::string messageOf(Action&& action) {
+    try {
+        action();
+    } catch (const Expected& error) {
+        return error.message();
+    }
+    return "<no exception>";
+}
+
 class TestCatalogue {
 public:
     /// The catalogue, created on first use and installed as the process-wide session.

@@ -7,39 +7,37 @@
 
 using TQ::Utility::ConvertIt;
 
+namespace {
+
+// Every parser returns zero and clears the flag for a text it refuses.
+template <class Parse>
+void expectRefused(Parse parse, std::initializer_list<const char*> texts) {
+    for (const char* text : texts) {
+        bool ok = true;
+        EXPECT_EQ(parse(text, &ok), decltype(parse(text, &ok)){}) << text;
+        EXPECT_FALSE(ok) << text;
+    }
+}
+
+}  // namespace
+
 TEST(ConvertIt, IntegersAcceptTheirWholeRangeAndRejectTheRest) {
     bool ok = false;
-    EXPECT_EQ(ConvertIt::getUInt("4294967295", &ok), 4294967295u);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(ConvertIt::getUInt(" +17 ", &ok), 17u);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(ConvertIt::getUInt("0x1F", &ok), 31u);
-    EXPECT_TRUE(ok);
-    for (const char* bad : {"4294967296", "-1", "", " ", "12a", "1.5", "++1", "0x", "+-1", "1 2"}) {
-        ok = true;
-        EXPECT_EQ(ConvertIt::getUInt(bad, &ok), 0u) << bad;
-        EXPECT_FALSE(ok) << bad;
+    const std::pair<const char*, uint32_t> unsignedTexts[] = {
+        {"4294967295", 4294967295u}, {" +17 ", 17}, {"0x1F", 31}};
+    for (const auto& text : unsignedTexts) {
+        EXPECT_EQ(ConvertIt::getUInt(text.first, &ok), text.second) << text.first;
+        EXPECT_TRUE(ok) << text.first;
     }
-
+    expectRefused(ConvertIt::getUInt, {"4294967296", "-1", "", " ", "12a", "1.5", "++1", "0x", "+-1", "1 2"});
     EXPECT_EQ(ConvertIt::getInt("-2147483648", &ok), std::numeric_limits<int32_t>::min());
     EXPECT_TRUE(ok);
-    EXPECT_EQ(ConvertIt::getInt("2147483647", &ok), 2147483647);
-    EXPECT_TRUE(ok);
-    for (const char* bad : {"2147483648", "-2147483649", "0x10", "--1", "1e3"}) {
-        ok = true;
-        EXPECT_EQ(ConvertIt::getInt(bad, &ok), 0) << bad;
-        EXPECT_FALSE(ok) << bad;
-    }
-
+    expectRefused(ConvertIt::getInt, {"2147483648", "-2147483649", "0x10", "--1", "1e3"});
     EXPECT_EQ(ConvertIt::getUInt64("18446744073709551615", &ok), std::numeric_limits<uint64_t>::max());
-    EXPECT_TRUE(ok);
     EXPECT_EQ(ConvertIt::getInt64("-9223372036854775808", &ok), std::numeric_limits<int64_t>::min());
     EXPECT_TRUE(ok);
-    ConvertIt::getUInt64("18446744073709551616", &ok);
-    EXPECT_FALSE(ok);
-
-    // The flag is optional.
-    EXPECT_EQ(ConvertIt::getUInt("nonsense"), 0u);
+    expectRefused(ConvertIt::getUInt64, {"18446744073709551616"});
+    EXPECT_EQ(ConvertIt::getUInt("nonsense"), 0u) << "the flag is optional";
     EXPECT_EQ(ConvertIt::setUInt(4294967295u), "4294967295");
     EXPECT_EQ(ConvertIt::setInt(std::numeric_limits<int64_t>::min()), "-9223372036854775808");
 }
@@ -47,51 +45,37 @@ TEST(ConvertIt, IntegersAcceptTheirWholeRangeAndRejectTheRest) {
 TEST(ConvertIt, BooleansFromWordsAndNumbers) {
     bool ok = false;
     for (const char* yes : {"true", "TRUE", " True ", "yes", "on", "1", "-5"}) {
-        EXPECT_TRUE(ConvertIt::getBool(yes, &ok)) << yes;
-        EXPECT_TRUE(ok) << yes;
+        EXPECT_TRUE(ConvertIt::getBool(yes, &ok) && ok) << yes;
     }
     for (const char* no : {"false", "False", "no", "OFF", "0"}) {
         EXPECT_FALSE(ConvertIt::getBool(no, &ok)) << no;
         EXPECT_TRUE(ok) << no;
     }
-    for (const char* bad : {"", "tru", "t", "1.0", "null"}) {
-        ok = true;
-        EXPECT_FALSE(ConvertIt::getBool(bad, &ok)) << bad;
-        EXPECT_FALSE(ok) << bad;
-    }
-    EXPECT_EQ(ConvertIt::setBool(true), "true");
+    expectRefused(ConvertIt::getBool, {"", "tru", "t", "1.0", "null"});
     EXPECT_EQ(ConvertIt::setBool(false), "false");
 }
 
 TEST(ConvertIt, RealsRoundTripExactlyWithDefaultPrecision) {
-    for (double value : {0.1, -2.5, 1e20, 1.0 / 3.0, 5e-324, std::numeric_limits<double>::max(), 100.0, -0.0,
-                         static_cast<double>(3.4028234663852886e38f)}) {
-        std::string text = ConvertIt::setReal(value);
-        bool ok = false;
-        double back = ConvertIt::getReal(text, &ok);
-        EXPECT_TRUE(ok) << text;
-        EXPECT_EQ(back, value) << text;
-        EXPECT_EQ(std::signbit(back), std::signbit(value)) << text;
-    }
-    EXPECT_EQ(ConvertIt::setReal(0.1), "0.1");
-    EXPECT_EQ(ConvertIt::setReal(100.0), "100");
-    EXPECT_EQ(ConvertIt::setReal(static_cast<double>(21.5f), -1, false), "21.5");
-    EXPECT_EQ(ConvertIt::setReal(2.0 / 3.0, 3, false), "0.667");
-    EXPECT_EQ(ConvertIt::setReal(2.0 / 3.0, 3, true), "0.667");
-    EXPECT_EQ(ConvertIt::setReal(1234.5, 2, true), "1234.50");
-    EXPECT_EQ(ConvertIt::setReal(1234.5, 2, false), "1.2e+03");
-    EXPECT_EQ(ConvertIt::setReal(1e20, -1, true), "100000000000000000000");
-
     bool ok = false;
-    EXPECT_TRUE(std::isnan(ConvertIt::getReal(ConvertIt::setReal(std::nan("")), &ok)));
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(ConvertIt::getReal(ConvertIt::setReal(-HUGE_VAL), &ok), -HUGE_VAL);
-    EXPECT_TRUE(ok);
+    for (double value : {0.1, -2.5, 1e20, 1.0 / 3.0, 5e-324, std::numeric_limits<double>::max(), -0.0,
+                         static_cast<double>(3.4028234663852886e38f), -HUGE_VAL}) {
+        std::string text = ConvertIt::setReal(value);
+        double back = ConvertIt::getReal(text, &ok);
+        EXPECT_TRUE(ok && back == value && std::signbit(back) == std::signbit(value)) << text;
+    }
+    EXPECT_TRUE(std::isnan(ConvertIt::getReal(ConvertIt::setReal(std::nan("")), &ok)) && ok);
+    const struct {
+        double value;
+        int precision;
+        bool fixed;
+        const char* text;
+    } formats[] = {{0.1, -1, false, "0.1"},       {100.0, -1, false, "100"},
+                   {21.5, -1, false, "21.5"},     {2.0 / 3.0, 3, false, "0.667"},
+                   {2.0 / 3.0, 3, true, "0.667"}, {1234.5, 2, true, "1234.50"},
+                   {1234.5, 2, false, "1.2e+03"}, {1e20, -1, true, "100000000000000000000"}};
+    for (const auto& format : formats)
+        EXPECT_EQ(ConvertIt::setReal(format.value, format.precision, format.fixed), format.text);
     EXPECT_EQ(ConvertIt::getReal(" +1.5e2 ", &ok), 150.0);
     EXPECT_TRUE(ok);
-    for (const char* bad : {"", "1,5", "1.5x", "e5", "1e999", "--1", "+-1", "0x10"}) {
-        ok = true;
-        EXPECT_EQ(ConvertIt::getReal(bad, &ok), 0.0) << bad;
-        EXPECT_FALSE(ok) << bad;
-    }
+    expectRefused(ConvertIt::getReal, {"", "1,5", "1.5x", "e5", "1e999", "--1", "+-1", "0x10"});
 }

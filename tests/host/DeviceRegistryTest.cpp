@@ -5,11 +5,9 @@
 #include "TQ/Peripherals/Entity/DvBus.h"
 #include "TQ/Utility/Data/EntityServer.h"
 
-#include <Poco/Exception.h>
 #include <gtest/gtest.h>
 
 #include <map>
-#include <set>
 #include <thread>
 #include <unordered_set>
 #include <vector>
@@ -25,7 +23,6 @@ TEST(LboDeviceManager, RegistryFindsRegistersAndForgets) {
     EXPECT_FALSE(LboDeviceManager::registerDeviceManager(std::make_shared<LboDeviceManager>(1001)))
         << "an instance has one manager";
     EXPECT_EQ(LboDeviceManager::findDeviceManager(1001, false), manager);
-    EXPECT_EQ(LboDeviceManager::findDeviceManager(1001, false)->getName(), "main");
 
     auto created = LboDeviceManager::findDeviceManager(1002, true);
     ASSERT_NE(created, nullptr);
@@ -36,7 +33,7 @@ TEST(LboDeviceManager, RegistryFindsRegistersAndForgets) {
     EXPECT_TRUE(LboDeviceManager::unregisterDeviceManager(1001));
     EXPECT_FALSE(LboDeviceManager::unregisterDeviceManager(1001));
     EXPECT_EQ(LboDeviceManager::findDeviceManager(1001, false), nullptr);
-    EXPECT_EQ(manager->getDeviceInstance(), 1001u) << "a held manager outlives its registration";
+    EXPECT_EQ(manager->getName(), "main") << "a held manager outlives its registration";
     EXPECT_TRUE(LboDeviceManager::unregisterDeviceManager(1002));
 
     EXPECT_THROW(LboDeviceManager(4194303), Poco::InvalidArgumentException);
@@ -63,53 +60,40 @@ TEST(LboDeviceManager, ConcurrentCreatesAgreeOnOneManager) {
 
 TEST(DataPropertyKey, PartsOrderAndText) {
     DataPropertyKey key = DataPropertyKey::fromObject(260001, 8, 260001, 85);
-    EXPECT_EQ(key.getDeviceInstance(), 260001u);
     EXPECT_EQ(key.getObjectIdentifier(), (8u << 22) | 260001u);
     EXPECT_EQ(key.getObjectType(), 8u);
-    EXPECT_EQ(key.getObjectInstance(), 260001u);
-    EXPECT_EQ(key.getPropertyIdentifier(), 85u);
     EXPECT_FALSE(key.hasArrayIndex());
-    EXPECT_EQ(key.getArrayIndex(), DataPropertyKey::ARRAY_ALL);
     EXPECT_EQ(key.toString(), "260001,8:260001,85");
     EXPECT_EQ(DataPropertyKey(1, 5, 87, 3).toString(), "1,0:5,87[3]");
     EXPECT_EQ(DataPropertyKey::fromObject(1, 1023, 0x7FFFFF, 1).getObjectInstance(), 0x3FFFFFu)
         << "instance cut to 22 bits";
 
-    // Ordered by device, object, property, then index; equal keys collapse in maps and sets.
-    std::vector<DataPropertyKey> keys{DataPropertyKey(2, 0, 0), DataPropertyKey(1, 9, 0),
-                                      DataPropertyKey(1, 2, 7, 1), DataPropertyKey(1, 2, 7, 0),
-                                      DataPropertyKey(1, 2, 7)};
+    // Ordered by device, object, property, then index (no index last); equal keys collapse.
+    const std::vector<DataPropertyKey> ordered{DataPropertyKey(1, 2, 7, 0), DataPropertyKey(1, 2, 7, 1),
+                                               DataPropertyKey(1, 2, 7), DataPropertyKey(1, 9, 0),
+                                               DataPropertyKey(2, 0, 0)};
     std::map<DataPropertyKey, int> byKey;
-    for (std::size_t i = 0; i < keys.size(); ++i) byKey[keys[i]] = static_cast<int>(i);
+    for (auto it = ordered.rbegin(); it != ordered.rend(); ++it) byKey[*it] = 1;
     byKey[DataPropertyKey(1, 2, 7, 0)] = 42;
-    ASSERT_EQ(byKey.size(), 5u);
-    auto it = byKey.begin();
-    EXPECT_EQ(it->first, DataPropertyKey(1, 2, 7, 0));
-    EXPECT_EQ(it->second, 42);
-    EXPECT_EQ((++it)->first, DataPropertyKey(1, 2, 7, 1));
-    EXPECT_EQ((++it)->first, DataPropertyKey(1, 2, 7));
-    EXPECT_EQ((++it)->first, DataPropertyKey(1, 9, 0));
-    EXPECT_EQ((++it)->first, DataPropertyKey(2, 0, 0));
-    EXPECT_NE(DataPropertyKey(1, 2, 7, 0), DataPropertyKey(1, 2, 7, 1));
+    std::vector<DataPropertyKey> keys;
+    for (const auto& entry : byKey) keys.push_back(entry.first);
+    EXPECT_EQ(keys, ordered);
+    EXPECT_EQ(byKey.begin()->second, 42);
 
-    std::unordered_set<DataPropertyKey, TQ::BACnet::Client::DataPropertyKeyHash> hashed(keys.begin(),
-                                                                                        keys.end());
+    std::unordered_set<DataPropertyKey, TQ::BACnet::Client::DataPropertyKeyHash> hashed(ordered.begin(),
+                                                                                        ordered.end());
     hashed.insert(DataPropertyKey(2, 0, 0));
     EXPECT_EQ(hashed.size(), 5u);
 }
 
-TEST(DvBus, ReadsTheBusTable) {
+TEST(DvBus, ReadsAndWritesTheBusTable) {
     TQTest::ScratchDatabase scratch;
     using Poco::Data::Keywords::now;
     scratch.session() << "INSERT INTO dv_bus (id_dv_bus, id_dv_bus_type, name) VALUES (3, 102, NULL)", now;
-
     DvBus bus(false);
-    EXPECT_EQ(bus.getColumnCnt(), DvBus::_colNames.size());
     EXPECT_EQ(bus.getColName(DvBus::_COL_ID_DV_BUS_TYPE), "id_dv_bus_type");
-    EXPECT_EQ(bus.getTableName(), "dv_bus");
     ASSERT_EQ(bus.retrieve(3), 1);
     EXPECT_EQ(bus.getPK(), 3);
-    EXPECT_EQ(bus.getIdDvBus(), 3);
     EXPECT_EQ(bus.getIdDvBusType(), 102);
     EXPECT_EQ(bus.getName(), "") << "NULL name";
     EXPECT_EQ(bus.retrieve(4), 0);
@@ -123,12 +107,5 @@ TEST(DvBus, ReadsTheBusTable) {
     ASSERT_EQ(back.retrieve(fresh.getPK()), 1);
     EXPECT_EQ(back.getName(), "rs485");
     EXPECT_EQ(back.getIdDvBusType(), 7);
-
-    DvBus empty(false);
-    try {
-        empty.getIdDvBusType();
-        FAIL() << "an empty bus type must raise";
-    } catch (const Poco::InvalidAccessException& error) {
-        EXPECT_EQ(error.message(), "Can not convert empty value.");
-    }
+    EXPECT_EQ(TQTest::messageOf([] { DvBus(false).getIdDvBusType(); }), "Can not convert empty value.");
 }

@@ -27,12 +27,10 @@ TEST(Logging, MessagesKeepTheirSourceAndRespectTheLevel) {
     int previousLevel = LboLogSystem::getLevel();
     LboLogSystem::setChannel(channel);
     LboLogSystem::setLevel(Poco::Message::PRIO_WARNING);
-
     LboLogSystem::log(TQ::Utility::Message2("src/WS/MarkupFactory", "no such table: bn_adm_definition"));
     LboLogSystem::warning("src/Entity/BnDataType", "slow");
     LboLogSystem::information("src/Entity/BnDataType", "dropped by the level");
     LboLogSystem::debug("x", "dropped too");
-
     LboLogSystem::setChannel(previous);
     LboLogSystem::setLevel(previousLevel);
 
@@ -42,7 +40,6 @@ TEST(Logging, MessagesKeepTheirSourceAndRespectTheLevel) {
     EXPECT_EQ(channel->messages[0].getPriority(), Poco::Message::PRIO_ERROR);
     EXPECT_EQ(channel->messages[1].getSource(), "src/Entity/BnDataType");
     EXPECT_EQ(channel->messages[1].getPriority(), Poco::Message::PRIO_WARNING);
-
     TQ::Utility::Message2 located("s", "t", Poco::Message::PRIO_NOTICE, "file.cpp", 42);
     EXPECT_EQ(located.getSourceLine(), 42);
     EXPECT_STREQ(located.getSourceFile(), "file.cpp");
@@ -52,6 +49,5 @@ TEST(Logging, TimeStampHasDateAndMilliseconds) {
     Poco::RegularExpression withDate("^\\d{4}-\\d{2}-\\d{2} \\d{2}:\\d{2}:\\d{2}\\.\\d{3}$");
     Poco::RegularExpression timeOnly("^\\d{2}:\\d{2}:\\d{2}\\.\\d{3}$");
     EXPECT_TRUE(withDate.match(TQ::Utility::LogHelper::timeStamp())) << TQ::Utility::LogHelper::timeStamp();
-    EXPECT_TRUE(timeOnly.match(TQ::Utility::LogHelper::timeStamp(false)))
-        << TQ::Utility::LogHelper::timeStamp(false);
+    EXPECT_TRUE(timeOnly.match(TQ::Utility::LogHelper::timeStamp(false)));
 }

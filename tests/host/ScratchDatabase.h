@@ -5,6 +5,7 @@
 #include "TQ/Utility/Data/SmoDbSession.h"
 
 #include <Poco/Data/Session.h>
+#include <Poco/Exception.h>
 #include <Poco/File.h>
 #include <Poco/Path.h>
 #include <Poco/TemporaryFile.h>
@@ -14,6 +15,17 @@
 #include <vector>
 
 namespace TQTest {
+
+/// The message of the Poco exception `action` raises, or "<no exception>".
+template <class Action>
+std::string messageOf(Action&& action) {
+    try {
+        action();
+    } catch (const Poco::Exception& error) {
+        return error.message();
+    }
+    return "<no exception>";
+}
 
 /// A fresh embedded database in its own temporary directory, removed afterwards. It is also
 /// the process-wide session while it lives.
@@ -52,24 +64,25 @@ inline void createProbeTables(Poco::Data::Session& session) {
         now;
 }
 
-namespace ProbeNames {
-inline const std::string PARENT_TABLE("probe_parent");
-inline const std::string ID_PROBE_PARENT("id_probe_parent");
-inline const std::string LABEL("label");
-inline const std::string TABLE("probe");
-inline const std::string ID_PROBE("id_probe");
-inline const std::string NAME("name");
-inline const std::string AMOUNT("amount");
-inline const std::string NOTE("note");
-}  // namespace ProbeNames
+inline const std::string kParentTable("probe_parent");
+inline const std::string kParentColumns[] = {"id_probe_parent", "label"};
+inline const std::string kProbeTable("probe");
+inline const std::string kProbeColumns[] = {"id_probe", "id_probe_parent", "name", "amount", "note"};
+
+template <std::size_t N>
+std::vector<const std::string*> pointersTo(const std::string (&names)[N]) {
+    std::vector<const std::string*> pointers;
+    for (const std::string& name : names) pointers.push_back(&name);
+    return pointers;
+}
 
 class ProbeParent : public TQ::Utility::Data::Entity {
 public:
     static constexpr int _COL_LABEL = 1;
     explicit ProbeParent(bool isNew = false) : Entity(isNew) { setColumnCnt(2); }
-    const std::string& getTableName() const override { return ProbeNames::PARENT_TABLE; }
+    const std::string& getTableName() const override { return kParentTable; }
     const std::vector<const std::string*>& getColNames() const override {
-        static const std::vector<const std::string*> names{&ProbeNames::ID_PROBE_PARENT, &ProbeNames::LABEL};
+        static const std::vector<const std::string*> names = pointersTo(kParentColumns);
         return names;
     }
 };
@@ -81,11 +94,9 @@ public:
     static constexpr int _COL_AMOUNT = 3;
     static constexpr int _COL_NOTE = 4;
     explicit Probe(bool isNew = false) : Entity(isNew) { setColumnCnt(5); }
-    const std::string& getTableName() const override { return ProbeNames::TABLE; }
+    const std::string& getTableName() const override { return kProbeTable; }
     const std::vector<const std::string*>& getColNames() const override {
-        static const std::vector<const std::string*> names{&ProbeNames::ID_PROBE,
-                                                           &ProbeNames::ID_PROBE_PARENT, &ProbeNames::NAME,
-                                                           &ProbeNames::AMOUNT, &ProbeNames::NOTE};
+        static const std::vector<const std::string*> names = pointersTo(kProbeColumns);
         return names;
     }
     std::string getName() const { return getVar(_COL_NAME).convert<std::string>(); }
