@@ -78,32 +78,30 @@ TEST(Tags, OpeningClosingAndContextPredicates) {
 
 TEST(Tags, MalformedHeadersAreRejected) {
     BACNET_TAG tag;
-    // An extended tag number or extended length marker as the last byte.
-    for (uint8_t last :
-         {uint8_t(0xF9), uint8_t(0xFD), uint8_t(0xFE), uint8_t(0xFF), uint8_t(0x65), uint8_t(0x6D)}) {
-        ExactBuffer buf{last};
-        EXPECT_EQ(bacnet_tag_decode(buf.data(), buf.size(), &tag), BACNET_STATUS_ERROR) << int(last);
-    }
-    // Extended length markers cut short.
-    for (const auto& bytes :
-         {std::vector<uint8_t>{0x65, 0xFE, 0x01}, std::vector<uint8_t>{0x65, 0xFF, 0x00, 0x00, 0x01}}) {
+    using Bytes = std::vector<uint8_t>;
+    // Extended tag number or length markers as the last byte or cut short; declared lengths beyond
+    // what remains (up to the largest 32-bit values); application class with the opening/closing
+    // codes; the reserved tag number 255.
+    const Bytes malformed[] = {{0xF9},
+                               {0xFD},
+                               {0xFE},
+                               {0xFF},
+                               {0x65},
+                               {0x6D},
+                               {0x65, 0xFE, 0x01},
+                               {0x65, 0xFF, 0x00, 0x00, 0x01},
+                               {0x62, 0x01},
+                               {0x65, 0x06, 1, 2, 3, 4, 5},
+                               {0x65, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00},
+                               {0x65, 0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0x00},
+                               {0x6D, 0xFF, 0xFF, 0xFF, 0xFF, 0xFB, 0x00},
+                               {0x26},
+                               {0x27},
+                               {0xF8, 0xFF, 0x00}};
+    for (const Bytes& bytes : malformed) {
         ExactBuffer buf(bytes);
-        EXPECT_EQ(bacnet_tag_decode(buf.data(), buf.size(), &tag), BACNET_STATUS_ERROR);
-    }
-    // Declared lengths larger than what remains, up to the largest 32-bit values.
-    for (const auto& bytes :
-         {std::vector<uint8_t>{0x62, 0x01}, std::vector<uint8_t>{0x65, 0x06, 1, 2, 3, 4, 5},
-          std::vector<uint8_t>{0x65, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00},
-          std::vector<uint8_t>{0x65, 0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0x00},
-          std::vector<uint8_t>{0x6D, 0xFF, 0xFF, 0xFF, 0xFF, 0xFB, 0x00}}) {
-        ExactBuffer buf(bytes);
-        EXPECT_EQ(bacnet_tag_decode(buf.data(), buf.size(), &tag), BACNET_STATUS_ERROR);
-    }
-    // Application class with the opening/closing codes, and the reserved tag number 255.
-    for (const auto& bytes :
-         {std::vector<uint8_t>{0x26}, std::vector<uint8_t>{0x27}, std::vector<uint8_t>{0xF8, 0xFF, 0x00}}) {
-        ExactBuffer buf(bytes);
-        EXPECT_EQ(bacnet_tag_decode(buf.data(), buf.size(), &tag), BACNET_STATUS_ERROR);
+        EXPECT_EQ(bacnet_tag_decode(buf.data(), buf.size(), &tag), BACNET_STATUS_ERROR)
+            << ::testing::PrintToString(bytes);
     }
     // Nothing to decode, or no output.
     ExactBuffer one{0x21};

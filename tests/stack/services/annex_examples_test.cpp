@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "hex.h"
 #include "tq_stack/apdu.h"
@@ -42,6 +43,14 @@ BACNET_READ_PROPERTY_DATA rpData(BACNET_OBJECT_TYPE type, uint32_t instance, BAC
     return d;
 }
 
+BACNET_PROPERTY_REFERENCE propertyRef(BACNET_PROPERTY_ID id, BACNET_PROPERTY_REFERENCE* next) {
+    BACNET_PROPERTY_REFERENCE r{};
+    r.propertyIdentifier = id;
+    r.propertyArrayIndex = BACNET_ARRAY_ALL;
+    r.next = next;
+    return r;
+}
+
 }  // namespace
 
 TEST(AnnexExamples, ReadPropertyRequestAndAck) {
@@ -63,15 +72,14 @@ TEST(AnnexExamples, ReadPropertyRequestAndAck) {
 
     BACNET_CONFIRMED_SERVICE_DATA decodedHeader{};
     ASSERT_EQ(4, apdu_decode_confirmed_header(request.data(), uint32_t(request.size()), &decodedHeader));
-    EXPECT_EQ(1, decodedHeader.invoke_id);
-    EXPECT_EQ(SERVICE_CONFIRMED_READ_PROPERTY, decodedHeader.service_choice);
-    EXPECT_EQ(50u, apdu_max_apdu_octets(decodedHeader.max_apdu_code));
+    EXPECT_EQ(std::make_tuple(1, int(SERVICE_CONFIRMED_READ_PROPERTY), 50u),
+              std::make_tuple(int(decodedHeader.invoke_id), int(decodedHeader.service_choice),
+                              apdu_max_apdu_octets(decodedHeader.max_apdu_code)));
     BACNET_READ_PROPERTY_DATA decoded{};
     ASSERT_EQ(7, rp_decode_service_request(request.data() + 4, uint32_t(request.size() - 4), &decoded));
-    EXPECT_EQ(OBJECT_ANALOG_INPUT, decoded.object_type);
-    EXPECT_EQ(5u, decoded.object_instance);
-    EXPECT_EQ(PROP_PRESENT_VALUE, decoded.object_property);
-    EXPECT_EQ(BACNET_ARRAY_ALL, decoded.array_index);
+    EXPECT_EQ(std::make_tuple(OBJECT_ANALOG_INPUT, 5u, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL),
+              std::make_tuple(decoded.object_type, decoded.object_instance, decoded.object_property,
+                              decoded.array_index));
 
     // The acknowledgement.
     const uint8_t real723[] = {0x44, 0x42, 0x90, 0x99, 0x9A};
@@ -82,9 +90,8 @@ TEST(AnnexExamples, ReadPropertyRequestAndAck) {
     bool segmented = true;
     ASSERT_EQ(
         3, apdu_decode_complex_ack_header(ack.data(), uint32_t(ack.size()), &invokeId, &service, &segmented));
-    EXPECT_EQ(1, invokeId);
-    EXPECT_EQ(SERVICE_CONFIRMED_READ_PROPERTY, service);
-    EXPECT_FALSE(segmented);
+    EXPECT_EQ(std::make_tuple(1, int(SERVICE_CONFIRMED_READ_PROPERTY), false),
+              std::make_tuple(int(invokeId), int(service), segmented));
     BACNET_READ_PROPERTY_DATA ackData{};
     ASSERT_EQ(int(ack.size() - 3),
               rp_ack_decode_service_request(ack.data() + 3, uint32_t(ack.size() - 3), &ackData));
@@ -115,17 +122,15 @@ TEST(AnnexExamples, WritePropertyRequestAndSimpleAck) {
     BACNET_WRITE_PROPERTY_DATA decoded{};
     ASSERT_EQ(int(request.size() - 4),
               wp_decode_service_request(request.data() + 4, uint32_t(request.size() - 4), &decoded));
-    EXPECT_EQ(OBJECT_ANALOG_VALUE, decoded.object_type);
-    EXPECT_EQ(1u, decoded.object_instance);
-    EXPECT_EQ(BACNET_NO_PRIORITY, decoded.priority);
+    EXPECT_EQ(std::make_tuple(OBJECT_ANALOG_VALUE, 1u, int(BACNET_NO_PRIORITY)),
+              std::make_tuple(decoded.object_type, decoded.object_instance, int(decoded.priority)));
     ASSERT_EQ(5, decoded.application_data_len);
     EXPECT_EQ(0, std::memcmp(value, decoded.application_data, 5));
 
     EXPECT_EQ(hex(simpleAck), hex(encoded([](uint8_t* p) { return apdu_encode_simple_ack(p, 0x59, 15); })));
     uint8_t id = 0, service = 0;
     EXPECT_EQ(3, apdu_decode_simple_ack(simpleAck.data(), 3, &id, &service));
-    EXPECT_EQ(0x59, id);
-    EXPECT_EQ(15, service);
+    EXPECT_EQ(std::make_tuple(0x59, 15), std::make_tuple(int(id), int(service)));
 }
 
 TEST(AnnexExamples, ReadPropertyMultipleSingleObject) {
@@ -133,17 +138,9 @@ TEST(AnnexExamples, ReadPropertyMultipleSingleObject) {
     const auto request = bytes("00 04 F1 0E 0C 00 00 00 10 1E 09 55 09 67 1F");
     const auto ack = bytes("30 F1 0E 0C 00 00 00 10 1E 29 55 4E 44 42 90 99 9A 4F 29 67 4E 91 00 4F 1F");
 
-    BACNET_PROPERTY_REFERENCE reliability{};
-    reliability.propertyIdentifier = PROP_RELIABILITY;
-    reliability.propertyArrayIndex = BACNET_ARRAY_ALL;
-    BACNET_PROPERTY_REFERENCE presentValue{};
-    presentValue.propertyIdentifier = PROP_PRESENT_VALUE;
-    presentValue.propertyArrayIndex = BACNET_ARRAY_ALL;
-    presentValue.next = &reliability;
-    BACNET_READ_ACCESS_DATA rad{};
-    rad.object_type = OBJECT_ANALOG_INPUT;
-    rad.object_instance = 16;
-    rad.listOfProperties = &presentValue;
+    BACNET_PROPERTY_REFERENCE reliability = propertyRef(PROP_RELIABILITY, nullptr);
+    BACNET_PROPERTY_REFERENCE presentValue = propertyRef(PROP_PRESENT_VALUE, &reliability);
+    BACNET_READ_ACCESS_DATA rad{OBJECT_ANALOG_INPUT, 16, &presentValue, nullptr};
     auto ours = encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 0xF1, &rad); });
     auto expected = request;
     expected[1] = 0x05;
@@ -152,24 +149,19 @@ TEST(AnnexExamples, ReadPropertyMultipleSingleObject) {
     BACNET_READ_ACCESS_DATA result;
     ASSERT_EQ(int(ack.size() - 3),
               rpm_ack_decode_service_request(ack.data() + 3, uint32_t(ack.size() - 3), &result));
-    EXPECT_EQ(OBJECT_ANALOG_INPUT, result.object_type);
-    EXPECT_EQ(16u, result.object_instance);
-    EXPECT_EQ(nullptr, result.next);
+    EXPECT_EQ(std::make_tuple(OBJECT_ANALOG_INPUT, 16u, (BACNET_READ_ACCESS_DATA*)nullptr),
+              std::make_tuple(result.object_type, result.object_instance, result.next));
     const BACNET_PROPERTY_REFERENCE* p = result.listOfProperties;
-    ASSERT_NE(nullptr, p);
-    EXPECT_EQ(PROP_PRESENT_VALUE, p->propertyIdentifier);
-    EXPECT_FALSE(p->has_error);
-    ASSERT_NE(nullptr, p->value);
-    EXPECT_EQ(BACNET_APPLICATION_TAG_REAL, p->value->tag);
+    ASSERT_TRUE(p && p->value && p->next && p->next->value);
+    EXPECT_EQ(std::make_tuple(PROP_PRESENT_VALUE, false, uint8_t(BACNET_APPLICATION_TAG_REAL)),
+              std::make_tuple(p->propertyIdentifier, p->has_error, uint8_t(p->value->tag)));
     EXPECT_FLOAT_EQ(72.3f, p->value->type.Real);
     EXPECT_EQ(nullptr, p->value->next);
     p = p->next;
-    ASSERT_NE(nullptr, p);
-    EXPECT_EQ(PROP_RELIABILITY, p->propertyIdentifier);
-    ASSERT_NE(nullptr, p->value);
-    EXPECT_EQ(BACNET_APPLICATION_TAG_ENUMERATED, p->value->tag);
-    EXPECT_EQ(0u, p->value->type.Enumerated);
-    EXPECT_EQ(nullptr, p->next);
+    EXPECT_EQ(
+        std::make_tuple(PROP_RELIABILITY, uint8_t(BACNET_APPLICATION_TAG_ENUMERATED), 0u,
+                        (BACNET_PROPERTY_REFERENCE*)nullptr),
+        std::make_tuple(p->propertyIdentifier, uint8_t(p->value->tag), p->value->type.Enumerated, p->next));
     rpm_ack_free_all(&result);
     EXPECT_EQ(nullptr, result.listOfProperties);
 }
@@ -181,9 +173,7 @@ TEST(AnnexExamples, ReadPropertyMultipleWithPropertyError) {
         "30 02 0E 0C 00 00 00 21 1E 29 55 4E 44 42 29 33 33 4F 1F"
         " 0C 00 00 00 32 1E 29 55 5E 91 01 91 1F 5F 1F");
 
-    BACNET_PROPERTY_REFERENCE pv1{}, pv2{};
-    pv1.propertyIdentifier = pv2.propertyIdentifier = PROP_PRESENT_VALUE;
-    pv1.propertyArrayIndex = pv2.propertyArrayIndex = BACNET_ARRAY_ALL;
+    BACNET_PROPERTY_REFERENCE pv1 = propertyRef(PROP_PRESENT_VALUE, nullptr), pv2 = pv1;
     BACNET_READ_ACCESS_DATA second{OBJECT_ANALOG_INPUT, 50, &pv2, nullptr};
     BACNET_READ_ACCESS_DATA first{OBJECT_ANALOG_INPUT, 33, &pv1, &second};
     auto ours = encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 2, &first); });
@@ -200,10 +190,9 @@ TEST(AnnexExamples, ReadPropertyMultipleWithPropertyError) {
     EXPECT_EQ(50u, result.next->object_instance);
     const BACNET_PROPERTY_REFERENCE* failed = result.next->listOfProperties;
     ASSERT_NE(nullptr, failed);
-    EXPECT_TRUE(failed->has_error);
-    EXPECT_EQ(nullptr, failed->value);
-    EXPECT_EQ(ERROR_CLASS_OBJECT, failed->error_class);
-    EXPECT_EQ(ERROR_CODE_UNKNOWN_OBJECT, failed->error_code);
+    EXPECT_EQ(std::make_tuple(true, (BACNET_APPLICATION_DATA_VALUE*)nullptr, ERROR_CLASS_OBJECT,
+                              ERROR_CODE_UNKNOWN_OBJECT),
+              std::make_tuple(failed->has_error, failed->value, failed->error_class, failed->error_code));
     rpm_ack_free_all(&result);
     EXPECT_EQ(nullptr, result.next);
 }
@@ -232,11 +221,10 @@ TEST(AnnexExamples, ReadRangeByTimeAndAck) {
     BACNET_READ_RANGE_DATA decoded{};
     ASSERT_EQ(int(request.size() - 4),
               rr_decode_service_request(request.data() + 4, uint32_t(request.size() - 4), &decoded));
-    EXPECT_EQ(RR_BY_TIME, decoded.request_type);
-    EXPECT_EQ(1998, decoded.range.ref_time.date.year);
-    EXPECT_EQ(52, decoded.range.ref_time.time.min);
-    EXPECT_EQ(4, decoded.count);
-    EXPECT_EQ(PROP_LOG_BUFFER, decoded.object_property);
+    EXPECT_EQ(
+        std::make_tuple(int(RR_BY_TIME), 1998, 52, 4, PROP_LOG_BUFFER),
+        std::make_tuple(int(decoded.request_type), int(decoded.range.ref_time.date.year),
+                        int(decoded.range.ref_time.time.min), int(decoded.count), decoded.object_property));
 
     rr.result_flags.bits_used = 3;
     rr.result_flags.value[0] = 0xC0;  // first and last item
@@ -248,10 +236,9 @@ TEST(AnnexExamples, ReadRangeByTimeAndAck) {
     BACNET_READ_RANGE_DATA ackData{};
     ASSERT_EQ(int(ack.size() - 3),
               rr_ack_decode_service_request(ack.data() + 3, uint32_t(ack.size() - 3), &ackData));
-    EXPECT_EQ(3, ackData.result_flags.bits_used);
-    EXPECT_EQ(0xC0, ackData.result_flags.value[0]);
-    EXPECT_EQ(2u, ackData.item_count);
-    EXPECT_EQ(79u, ackData.first_sequence);
+    EXPECT_EQ(std::make_tuple(3, 0xC0, 2u, 79u),
+              std::make_tuple(int(ackData.result_flags.bits_used), int(ackData.result_flags.value[0]),
+                              ackData.item_count, ackData.first_sequence));
     ASSERT_EQ(int(records.size()), ackData.application_data_len);
     EXPECT_EQ(0, std::memcmp(records.data(), ackData.application_data, records.size()));
 }
@@ -264,8 +251,7 @@ TEST(AnnexExamples, WhoIsIAmAndTimeSynchronization) {
     EXPECT_EQ(hex(whoIs), hex(encoded([](uint8_t* p) { return whois_encode_apdu(p, 3, 3); })));
     int32_t low = 0, high = 0;
     EXPECT_EQ(4, whois_decode_service_request(whoIs.data() + 2, 4, &low, &high));
-    EXPECT_EQ(3, low);
-    EXPECT_EQ(3, high);
+    EXPECT_EQ(std::make_pair(3, 3), std::make_pair(low, high));
 
     EXPECT_EQ(hex(iAm),
               hex(encoded([](uint8_t* p) { return iam_encode_apdu(p, 3, 1024, SEGMENTATION_NONE, 99); })));
@@ -274,10 +260,8 @@ TEST(AnnexExamples, WhoIsIAmAndTimeSynchronization) {
     int segmentation = -1;
     uint16_t vendor = 0;
     EXPECT_EQ(12, iam_decode_service_request(iAm.data() + 2, 12, &device, &maxApdu, &segmentation, &vendor));
-    EXPECT_EQ(3u, device);
-    EXPECT_EQ(1024u, maxApdu);
-    EXPECT_EQ(int(SEGMENTATION_NONE), segmentation);
-    EXPECT_EQ(99, vendor);
+    EXPECT_EQ(std::make_tuple(3u, 1024u, int(SEGMENTATION_NONE), 99),
+              std::make_tuple(device, maxApdu, segmentation, int(vendor)));
 
     // 1992-11-17 (a Tuesday) 22:45:30.70.
     const BACNET_DATE date{1992, 11, 17, 2};
@@ -290,12 +274,9 @@ TEST(AnnexExamples, WhoIsIAmAndTimeSynchronization) {
     BACNET_DATE d{};
     BACNET_TIME t{};
     EXPECT_EQ(10, timesync_decode_service_request(timeSync.data() + 2, 10, &d, &t));
-    EXPECT_EQ(1992, d.year);
-    EXPECT_EQ(11, d.month);
-    EXPECT_EQ(17, d.day);
-    EXPECT_EQ(2, d.wday);
-    EXPECT_EQ(22, t.hour);
-    EXPECT_EQ(70, t.hundredths);
+    EXPECT_EQ(
+        std::make_tuple(1992, 11, 17, 2, 22, 70),
+        std::make_tuple(int(d.year), int(d.month), int(d.day), int(d.wday), int(t.hour), int(t.hundredths)));
 }
 
 TEST(AnnexExamples, ErrorPdu) {
@@ -309,9 +290,8 @@ TEST(AnnexExamples, ErrorPdu) {
     BACNET_ERROR_CLASS cls = ERROR_CLASS_DEVICE;
     BACNET_ERROR_CODE code = ERROR_CODE_OTHER;
     EXPECT_EQ(7, apdu_decode_error(error.data(), 7, &id, &service, &cls, &code));
-    EXPECT_EQ(1, id);
-    EXPECT_EQ(SERVICE_CONFIRMED_READ_PROPERTY, service);
-    EXPECT_EQ(ERROR_CLASS_PROPERTY, cls);
-    EXPECT_EQ(ERROR_CODE_UNKNOWN_PROPERTY, code);
+    EXPECT_EQ(std::make_tuple(1, int(SERVICE_CONFIRMED_READ_PROPERTY), ERROR_CLASS_PROPERTY,
+                              ERROR_CODE_UNKNOWN_PROPERTY),
+              std::make_tuple(int(id), int(service), cls, code));
     EXPECT_EQ(BACNET_STATUS_ERROR, apdu_decode_error(error.data(), 6, &id, &service, &cls, &code));
 }

@@ -4,6 +4,8 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "hex.h"
 #include "tq_stack/context_decode.h"
@@ -26,6 +28,9 @@ const char* kAck =
     " 29 4C 4E 4F"                                         // an empty list
     " 29 1C 5E 91 02 91 20 5F 1F"                          // description: unknown-property
     " 0C 00 80 00 02 1E 29 55 4E 44 00 00 00 00 4F 1F";
+
+using Ref = const BACNET_PROPERTY_REFERENCE*;
+using Value = const BACNET_APPLICATION_DATA_VALUE*;
 
 int decodeAndFree(const std::vector<uint8_t>& in) {
     std::unique_ptr<uint8_t[]> exact(new uint8_t[in.size() ? in.size() : 1]);
@@ -51,49 +56,34 @@ TEST(RpmAck, ChainOfThreeObjectsInOrder) {
 
     EXPECT_EQ(OBJECT_ANALOG_INPUT, rad.object_type);
     const BACNET_PROPERTY_REFERENCE* p = rad.listOfProperties;
-    ASSERT_NE(nullptr, p);
+    ASSERT_TRUE(p && p->value && p->next && p->next->next);
     EXPECT_EQ(PROP_OBJECT_NAME, p->propertyIdentifier);
-    ASSERT_NE(nullptr, p->value);
     EXPECT_TRUE(characterstring_ansi_same(&p->value->type.Character_String, "Outer"));
-    p = p->next;
-    ASSERT_NE(nullptr, p);
-    EXPECT_EQ(BACNET_APPLICATION_TAG_BIT_STRING, p->value->tag);
-    p = p->next;
-    ASSERT_NE(nullptr, p);
-    EXPECT_EQ(PROP_PRIORITY_ARRAY, p->propertyIdentifier);
-    EXPECT_EQ(3u, p->propertyArrayIndex);
-    EXPECT_EQ(BACNET_APPLICATION_TAG_NULL, p->value->tag);
-    EXPECT_EQ(nullptr, p->next);
+    EXPECT_EQ(BACNET_APPLICATION_TAG_BIT_STRING, p->next->value->tag);
+    p = p->next->next;
+    EXPECT_EQ(std::make_tuple(PROP_PRIORITY_ARRAY, 3u, uint8_t(BACNET_APPLICATION_TAG_NULL), Ref(nullptr)),
+              std::make_tuple(p->propertyIdentifier, p->propertyArrayIndex, uint8_t(p->value->tag), p->next));
 
     const BACNET_READ_ACCESS_DATA* device = rad.next;
     ASSERT_NE(nullptr, device);
-    EXPECT_EQ(OBJECT_DEVICE, device->object_type);
-    EXPECT_EQ(7u, device->object_instance);
+    EXPECT_EQ(std::make_pair(OBJECT_DEVICE, 7u),
+              std::make_pair(device->object_type, device->object_instance));
     p = device->listOfProperties;
-    ASSERT_NE(nullptr, p);
+    ASSERT_TRUE(p && p->next && p->next->next);
     // The constructed value arrives as opening tag, primitives, closing tag.
-    const BACNET_APPLICATION_DATA_VALUE* v = p->value;
-    ASSERT_NE(nullptr, v);
-    EXPECT_EQ(BACNET_PSEUDO_TAG_OPENING, v->tag);
-    EXPECT_EQ(0, v->context_tag);
-    ASSERT_NE(nullptr, v = v->next);
-    EXPECT_EQ(BACNET_APPLICATION_TAG_DATE, v->tag);
-    EXPECT_EQ(2024, v->type.Date.year);
-    ASSERT_NE(nullptr, v = v->next);
-    EXPECT_EQ(BACNET_APPLICATION_TAG_TIME, v->tag);
-    ASSERT_NE(nullptr, v = v->next);
-    EXPECT_EQ(BACNET_PSEUDO_TAG_CLOSING, v->tag);
-    EXPECT_EQ(nullptr, v->next);
+    std::vector<uint8_t> tags;
+    for (auto* v = p->value; v; v = v->next) tags.push_back(v->tag);
+    EXPECT_EQ((std::vector<uint8_t>{BACNET_PSEUDO_TAG_OPENING, BACNET_APPLICATION_TAG_DATE,
+                                    BACNET_APPLICATION_TAG_TIME, BACNET_PSEUDO_TAG_CLOSING}),
+              tags);
+    EXPECT_EQ(0, p->value->context_tag);
+    EXPECT_EQ(2024, p->value->next->type.Date.year);
+    p = p->next;  // an empty list, not an error
+    EXPECT_EQ(std::make_tuple(PROP_OBJECT_LIST, Value(nullptr), false),
+              std::make_tuple(p->propertyIdentifier, p->value, p->has_error));
     p = p->next;
-    ASSERT_NE(nullptr, p);
-    EXPECT_EQ(PROP_OBJECT_LIST, p->propertyIdentifier);
-    EXPECT_EQ(nullptr, p->value);  // empty list, not an error
-    EXPECT_FALSE(p->has_error);
-    p = p->next;
-    ASSERT_NE(nullptr, p);
-    EXPECT_TRUE(p->has_error);
-    EXPECT_EQ(ERROR_CLASS_PROPERTY, p->error_class);
-    EXPECT_EQ(ERROR_CODE_UNKNOWN_PROPERTY, p->error_code);
+    EXPECT_EQ(std::make_tuple(true, ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY),
+              std::make_tuple(p->has_error, p->error_class, p->error_code));
 
     const BACNET_READ_ACCESS_DATA* last = device->next;
     ASSERT_NE(nullptr, last);
@@ -104,7 +94,7 @@ TEST(RpmAck, ChainOfThreeObjectsInOrder) {
     EXPECT_EQ(nullptr, rad.listOfProperties);
 }
 
-TEST(RpmAck, FailureAtEveryPointLeavesNothing) {
+TEST(RpmAck, OnlyPrefixesEndingAtObjectBoundariesAreComplete) {
     const auto in = bytes(kAck);
     int accepted = 0;
     for (size_t n = 0; n < in.size(); ++n) {
@@ -116,14 +106,7 @@ TEST(RpmAck, FailureAtEveryPointLeavesNothing) {
     // Prefixes ending after an object identifier (a result list is optional) or after a whole
     // object are complete acknowledgements: 3 identifiers + 2 whole objects.
     EXPECT_EQ(5, accepted);
-    // Corruption anywhere: decode, free, no leak, never more than was given.
-    for (size_t i = 0; i < in.size(); ++i) {
-        for (uint8_t b : {0x00, 0x1F, 0x3F, 0x4E, 0x5F, 0xFF}) {
-            auto mutated = in;
-            mutated[i] = b;
-            EXPECT_LE(decodeAndFree(mutated), int(mutated.size()));
-        }
-    }
+    // Corruption at every byte is covered with the other service decoders (ServiceBadInput).
 }
 
 TEST(RpmAck, ManyResultsAndNestedValuesScaleWithInput) {

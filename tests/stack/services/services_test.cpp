@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 #include "hex.h"
@@ -37,22 +38,18 @@ TEST(ApduHeaders, ConfirmedSegmentedAndCodes) {
     BACNET_CONFIRMED_SERVICE_DATA back{};
     ASSERT_EQ(6, apdu_decode_confirmed_header(bytesOut.data(), 6, &back));
     EXPECT_TRUE(back.segmented_message && back.more_follows && back.segmented_response_accepted);
-    EXPECT_EQ(7, back.max_segs_code);
-    EXPECT_EQ(200, back.invoke_id);
-    EXPECT_EQ(3, back.sequence_number);
-    EXPECT_EQ(16, back.proposed_window_size);
-    EXPECT_EQ(SERVICE_CONFIRMED_READ_PROP_MULTIPLE, back.service_choice);
+    EXPECT_EQ(std::make_tuple(7, 200, 3, 16, int(SERVICE_CONFIRMED_READ_PROP_MULTIPLE)),
+              std::make_tuple(int(back.max_segs_code), int(back.invoke_id), int(back.sequence_number),
+                              int(back.proposed_window_size), int(back.service_choice)));
     // A segmented header cut short, and a PDU of another type.
     EXPECT_EQ(BACNET_STATUS_ERROR, apdu_decode_confirmed_header(bytesOut.data(), 5, &back));
     const uint8_t unconfirmed[] = {0x10, 0x08, 0x00, 0x00};
     EXPECT_EQ(BACNET_STATUS_ERROR, apdu_decode_confirmed_header(unconfirmed, 4, &back));
 
-    EXPECT_EQ(1476u, apdu_max_apdu_octets(5));
-    EXPECT_EQ(0u, apdu_max_apdu_octets(6));
-    EXPECT_EQ(5, apdu_max_apdu_code(1476));
-    EXPECT_EQ(5, apdu_max_apdu_code(60000));
-    EXPECT_EQ(4, apdu_max_apdu_code(1475));
-    EXPECT_EQ(0, apdu_max_apdu_code(10));
+    EXPECT_EQ(std::make_pair(1476u, 0u), std::make_pair(apdu_max_apdu_octets(5), apdu_max_apdu_octets(6)));
+    EXPECT_EQ(std::make_tuple(5, 5, 4, 0),
+              std::make_tuple(int(apdu_max_apdu_code(1476)), int(apdu_max_apdu_code(60000)),
+                              int(apdu_max_apdu_code(1475)), int(apdu_max_apdu_code(10))));
 
     // Segmented complex ACK: reported, service choice taken from its own position.
     const uint8_t segmentedAck[] = {0x3C, 0x07, 0x00, 0x04, 0x0E};
@@ -89,9 +86,8 @@ TEST(ReadPropertyCodec, ArrayIndexLimitsAndRoom) {
     BACNET_READ_PROPERTY_DATA back{};
     ASSERT_EQ(int(apdu.size() - 4),
               rp_decode_service_request(apdu.data() + 4, uint32_t(apdu.size() - 4), &back));
-    EXPECT_EQ(OBJECT_DEVICE, back.object_type);
-    EXPECT_EQ(uint32_t(BACNET_MAX_INSTANCE), back.object_instance);
-    EXPECT_EQ(0x12345678u, back.array_index);
+    EXPECT_EQ(std::make_tuple(OBJECT_DEVICE, uint32_t(BACNET_MAX_INSTANCE), 0x12345678u),
+              std::make_tuple(back.object_type, back.object_instance, back.array_index));
 
     // Proprietary property numbers take more octets.
     rp.object_property = BACNET_PROPERTY_ID(4194303);
@@ -172,9 +168,8 @@ TEST(WritePropertyCodec, PriorityIndexAndValidation) {
     BACNET_WRITE_PROPERTY_DATA back{};
     ASSERT_EQ(int(apdu.size() - 4),
               wp_decode_service_request(apdu.data() + 4, uint32_t(apdu.size() - 4), &back));
-    EXPECT_EQ(8, back.priority);
-    EXPECT_EQ(2, back.application_data_len);
-    EXPECT_EQ(0x91, back.application_data[0]);
+    EXPECT_EQ(std::make_tuple(8, 2, 0x91),
+              std::make_tuple(int(back.priority), back.application_data_len, int(back.application_data[0])));
 
     // Priorities outside 1..16 on the wire are rejected with the reason in the record.
     auto bad = apdu;
@@ -208,9 +203,8 @@ TEST(WritePropertyCodec, PriorityIndexAndValidation) {
     const auto indexed = bytes("0C 01 00 00 03 19 57 29 05 3E 0E 21 01 0F 3F");
     ASSERT_EQ(int(indexed.size()),
               wp_decode_service_request(indexed.data(), uint32_t(indexed.size()), &back));
-    EXPECT_EQ(5u, back.array_index);
-    EXPECT_EQ(BACNET_NO_PRIORITY, back.priority);
-    EXPECT_EQ(4, back.application_data_len);
+    EXPECT_EQ(std::make_tuple(5u, int(BACNET_NO_PRIORITY), 4),
+              std::make_tuple(back.array_index, int(back.priority), back.application_data_len));
 }
 
 TEST(ReadPropertyMultipleCodec, RequestRoomAndValidation) {
@@ -260,9 +254,8 @@ TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
     EXPECT_EQ("0C 05 00 00 02 19 83 6E 24 FF FF FF FF 32 80 00 6F", hex(bySeq));
     BACNET_READ_RANGE_DATA back{};
     ASSERT_EQ(int(bySeq.size()), rr_decode_service_request(bySeq.data(), uint32_t(bySeq.size()), &back));
-    EXPECT_EQ(RR_BY_SEQUENCE, back.request_type);
-    EXPECT_EQ(0xFFFFFFFFu, back.range.ref_seq_num);
-    EXPECT_EQ(-32768, back.count);
+    EXPECT_EQ(std::make_tuple(int(RR_BY_SEQUENCE), 0xFFFFFFFFu, -32768),
+              std::make_tuple(int(back.request_type), back.range.ref_seq_num, int(back.count)));
     rr.request_type = RR_READ_ALL;
     const auto all = encoded([&](uint8_t* p) { return rr_encode_service_request(p, &rr); });
     EXPECT_EQ("0C 05 00 00 02 19 83", hex(all));
@@ -292,8 +285,7 @@ TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
     EXPECT_EQ("0C 05 00 00 02 19 83 3A 05 E0 49 00 5E 5F", hex(ack));
     back.first_sequence = 99;
     ASSERT_EQ(int(ack.size()), rr_ack_decode_service_request(ack.data(), uint32_t(ack.size()), &back));
-    EXPECT_EQ(0u, back.first_sequence);
-    EXPECT_EQ(0, back.application_data_len);
+    EXPECT_EQ(std::make_pair(0u, 0), std::make_pair(back.first_sequence, back.application_data_len));
     rr.request_type = RR_BY_SEQUENCE;
     EXPECT_EQ(hex(ack), hex(encoded([&](uint8_t* p) { return rr_ack_encode_service_request(p, &rr); })));
     rr.item_count = 1;
@@ -309,13 +301,11 @@ TEST(UnconfirmedServices, WhoIsIAmTimeSyncLimits) {
     EXPECT_EQ("10 08", hex(encoded([](uint8_t* p) { return whois_encode_apdu(p, -1, -1); })));
     int32_t low = 0, high = 0;
     EXPECT_EQ(0, whois_decode_service_request(nullptr, 0, &low, &high));
-    EXPECT_EQ(-1, low);
-    EXPECT_EQ(-1, high);
+    EXPECT_EQ(std::make_pair(-1, -1), std::make_pair(low, high));
     const auto wide = encoded([](uint8_t* p) { return whois_encode_apdu(p, 100, 200); });
     EXPECT_EQ("10 08 09 64 19 C8", hex(wide));
     EXPECT_EQ(4, whois_decode_service_request(wide.data() + 2, 4, &low, &high));
-    EXPECT_EQ(100, low);
-    EXPECT_EQ(200, high);
+    EXPECT_EQ(std::make_pair(100, 200), std::make_pair(low, high));
     const auto max = encoded([](uint8_t* p) { return whois_encode_apdu(p, 0, BACNET_MAX_INSTANCE); });
     EXPECT_EQ("10 08 09 00 1B 3F FF FF", hex(max));
     EXPECT_EQ(BACNET_STATUS_ERROR, whois_encode_apdu(nullptr, 5, 4));
@@ -353,8 +343,7 @@ TEST(UnconfirmedServices, WhoIsIAmTimeSyncLimits) {
     BACNET_DATE d{};
     BACNET_TIME t{};
     EXPECT_EQ(10, timesync_decode_service_request(wild.data() + 2, 10, &d, &t));
-    EXPECT_EQ(2155, d.year);
-    EXPECT_EQ(255, t.hundredths);
+    EXPECT_EQ(std::make_pair(2155, 255), std::make_pair(int(d.year), int(t.hundredths)));
     EXPECT_EQ(BACNET_STATUS_ERROR, timesync_encode_apdu(nullptr, nullptr, &anyTime));
     // Time before date is not a TimeSynchronization.
     const auto swapped = bytes("B4 01 02 03 04 A4 7C 01 01 01");

@@ -101,98 +101,82 @@ std::vector<uint8_t> rpAck(uint8_t invokeId, BACNET_READ_PROPERTY_DATA d, const 
     return encoded([&](uint8_t* p) { return rp_ack_encode_apdu(p, invokeId, &d); });
 }
 
-template <typename F>
-std::vector<uint8_t> value(F&& encode) {
-    return encoded(encode);
-}
+#define ENC(call) encoded([&](uint8_t* p) { return call; })
 
 std::vector<Frame> frames() {
     std::vector<Frame> f;
+    auto add = [&](const char* name, std::vector<uint8_t> apdu, bool reply, std::vector<std::string> expect) {
+        f.push_back({name, std::move(apdu), reply, std::move(expect)});
+    };
     auto rp = rpData(OBJECT_ANALOG_INPUT, 5, PROP_PRESENT_VALUE);
-    f.push_back({"rp",
-                 encoded([&](uint8_t* p) { return rp_encode_apdu(p, 1, &rp); }),
-                 true,
-                 {"Invoke ID: 1", "Service Choice: readProperty (12)", "ObjectIdentifier: analog-input, 5",
-                  "Property Identifier: present-value (85)", "Up to 1476 octets"}});
+    add("rp", ENC(rp_encode_apdu(p, 1, &rp)), true,
+        {"Invoke ID: 1", "Service Choice: readProperty (12)", "ObjectIdentifier: analog-input, 5",
+         "Property Identifier: present-value (85)", "Up to 1476 octets"});
     auto rpIndex = rpData(OBJECT_DEVICE, 4194302, PROP_OBJECT_LIST);
     rpIndex.array_index = 300;
-    f.push_back({"rp index",
-                 encoded([&](uint8_t* p) { return rp_encode_apdu(p, 255, &rpIndex); }),
-                 true,
-                 {"Invoke ID: 255", "ObjectIdentifier: device, 4194302",
-                  "Property Identifier: object-list (76)", "Array Index (Unsigned) 300"}});
+    add("rp index", ENC(rp_encode_apdu(p, 255, &rpIndex)), true,
+        {"Invoke ID: 255", "ObjectIdentifier: device, 4194302", "Property Identifier: object-list (76)",
+         "Array Index (Unsigned) 300"});
 
-    f.push_back({"ack real",
-                 rpAck(2, rp, value([](uint8_t* p) { return encode_application_real(p, 72.5f); })),
-                 false,
-                 {"Invoke ID: 2", "Present Value (real): 72.5"}});
-    auto av = rpData(OBJECT_ANALOG_VALUE, 9, PROP_PRESENT_VALUE);
-    f.push_back({"ack unsigned",
-                 rpAck(3, rpData(OBJECT_MULTI_STATE_VALUE, 9, PROP_PRESENT_VALUE),
-                       value([](uint8_t* p) { return encode_application_unsigned(p, 70000); })),
-                 false,
-                 {"ObjectIdentifier: multi-state-value, 9", "Present Value (uint): 70000"}});
+    add("ack real", rpAck(2, rp, ENC(encode_application_real(p, 72.5f))), false,
+        {"Invoke ID: 2", "Present Value (real): 72.5"});
+    add("ack unsigned",
+        rpAck(3, rpData(OBJECT_MULTI_STATE_VALUE, 9, PROP_PRESENT_VALUE),
+              ENC(encode_application_unsigned(p, 70000))),
+        false, {"ObjectIdentifier: multi-state-value, 9", "Present Value (uint): 70000"});
     BACNET_CHARACTER_STRING name;
     characterstring_init_ansi(&name, "Boiler Room 2");
-    f.push_back({"ack string",
-                 rpAck(4, rpData(OBJECT_DEVICE, 1234, PROP_OBJECT_NAME),
-                       value([&](uint8_t* p) { return encode_application_character_string(p, &name); })),
-                 false,
-                 {"ObjectIdentifier: device, 1234", "Object Name: Boiler Room 2"}});
+    add("ack string",
+        rpAck(4, rpData(OBJECT_DEVICE, 1234, PROP_OBJECT_NAME),
+              ENC(encode_application_character_string(p, &name))),
+        false, {"ObjectIdentifier: device, 1234", "Object Name: Boiler Room 2"});
     BACNET_BIT_STRING flags;
     bitstring_init(&flags);
     bitstring_set_bit(&flags, 0, true);
     bitstring_set_bit(&flags, 3, false);
-    f.push_back({"ack bitstring",
-                 rpAck(5, rpData(OBJECT_BINARY_INPUT, 1, PROP_STATUS_FLAGS),
-                       value([&](uint8_t* p) { return encode_application_bitstring(p, &flags); })),
-                 false,
-                 {"Property Identifier: status-flags (111)", "(Bit String) (TFFF)", "in-alarm = TRUE",
-                  "out-of-service = FALSE"}});
+    add("ack bitstring",
+        rpAck(5, rpData(OBJECT_BINARY_INPUT, 1, PROP_STATUS_FLAGS),
+              ENC(encode_application_bitstring(p, &flags))),
+        false,
+        {"Property Identifier: status-flags (111)", "(Bit String) (TFFF)", "in-alarm = TRUE",
+         "out-of-service = FALSE"});
     const BACNET_DATE date{2024, 2, 29, 4};
     const BACNET_TIME time{13, 5, 7, 45};
-    f.push_back({"ack date",
-                 rpAck(6, rpData(OBJECT_DEVICE, 1234, PROP_LOCAL_DATE),
-                       value([&](uint8_t* p) { return encode_application_date(p, &date); })),
-                 false,
-                 {"February 29, 2024, (Day of Week = Thursday)"}});
-    f.push_back({"ack time",
-                 rpAck(7, rpData(OBJECT_DEVICE, 1234, PROP_LOCAL_TIME),
-                       value([&](uint8_t* p) { return encode_application_time(p, &time); })),
-                 false,
-                 {"= 13:05:07.45"}});
+    add("ack date",
+        rpAck(6, rpData(OBJECT_DEVICE, 1234, PROP_LOCAL_DATE), ENC(encode_application_date(p, &date))), false,
+        {"February 29, 2024, (Day of Week = Thursday)"});
+    add("ack time",
+        rpAck(7, rpData(OBJECT_DEVICE, 1234, PROP_LOCAL_TIME), ENC(encode_application_time(p, &time))), false,
+        {"= 13:05:07.45"});
 
     BACNET_WRITE_PROPERTY_DATA wp{};
     wp.object_type = OBJECT_ANALOG_VALUE;
-    wp.object_instance = av.object_instance;
+    wp.object_instance = 9;
     wp.object_property = PROP_PRESENT_VALUE;
     wp.array_index = BACNET_ARRAY_ALL;
     wp.application_data_len = encode_application_real(wp.application_data, -12.25f);
     wp.priority = 8;
-    f.push_back({"wp",
-                 encoded([&](uint8_t* p) { return wp_encode_apdu(p, 77, &wp); }),
-                 true,
-                 {"Invoke ID: 77", "Service Choice: writeProperty (15)", "ObjectIdentifier: analog-value, 9",
-                  "Present Value (real): -12.25", "Priority: (Unsigned) 8"}});
+    add("wp", ENC(wp_encode_apdu(p, 77, &wp)), true,
+        {"Invoke ID: 77", "Service Choice: writeProperty (15)", "ObjectIdentifier: analog-value, 9",
+         "Present Value (real): -12.25", "Priority: (Unsigned) 8"});
 
-    BACNET_PROPERTY_REFERENCE name2{}, pv2{};
-    name2.propertyIdentifier = PROP_OBJECT_NAME;
-    name2.propertyArrayIndex = BACNET_ARRAY_ALL;
-    pv2.propertyIdentifier = PROP_PRIORITY_ARRAY;
-    pv2.propertyArrayIndex = 16;
-    name2.next = &pv2;
-    BACNET_PROPERTY_REFERENCE units{};
-    units.propertyIdentifier = PROP_UNITS;
-    units.propertyArrayIndex = BACNET_ARRAY_ALL;
+    auto ref = [](BACNET_PROPERTY_ID id, uint32_t index, BACNET_PROPERTY_REFERENCE* next) {
+        BACNET_PROPERTY_REFERENCE r{};
+        r.propertyIdentifier = id;
+        r.propertyArrayIndex = index;
+        r.next = next;
+        return r;
+    };
+    BACNET_PROPERTY_REFERENCE pv2 = ref(PROP_PRIORITY_ARRAY, 16, nullptr);
+    BACNET_PROPERTY_REFERENCE name2 = ref(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, &pv2);
+    BACNET_PROPERTY_REFERENCE units = ref(PROP_UNITS, BACNET_ARRAY_ALL, nullptr);
     BACNET_READ_ACCESS_DATA second{OBJECT_ANALOG_INPUT, 17, &units, nullptr};
     BACNET_READ_ACCESS_DATA first{OBJECT_ANALOG_OUTPUT, 3, &name2, &second};
-    f.push_back({"rpm",
-                 encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 9, &first); }),
-                 true,
-                 {"Invoke ID: 9", "Service Choice: readPropertyMultiple (14)",
-                  "ObjectIdentifier: analog-output, 3", "Property Identifier: object-name (77)",
-                  "Property Identifier: priority-array (87)", "Array Index (Unsigned) 16",
-                  "ObjectIdentifier: analog-input, 17", "Property Identifier: units (117)"}});
+    add("rpm", ENC(rpm_encode_apdu(p, MAX_APDU, 9, &first)), true,
+        {"Invoke ID: 9", "Service Choice: readPropertyMultiple (14)", "ObjectIdentifier: analog-output, 3",
+         "Property Identifier: object-name (77)", "Property Identifier: priority-array (87)",
+         "Array Index (Unsigned) 16", "ObjectIdentifier: analog-input, 17",
+         "Property Identifier: units (117)"});
 
     BACNET_READ_RANGE_DATA rr{};
     rr.object_type = OBJECT_TREND_LOG;
@@ -202,42 +186,28 @@ std::vector<Frame> frames() {
     rr.request_type = RR_BY_POSITION;
     rr.range.ref_index = 10;
     rr.count = -3;
-    f.push_back({"rr position",
-                 encoded([&](uint8_t* p) { return rr_encode_apdu(p, 10, &rr); }),
-                 true,
-                 {"Invoke ID: 10", "Service Choice: readRange (26)", "ObjectIdentifier: trend-log, 2",
-                  "Property Identifier: log-buffer (131)", "reference Index: (Unsigned) 10",
-                  "reference Count: (Signed) -3"}});
+    add("rr position", ENC(rr_encode_apdu(p, 10, &rr)), true,
+        {"Invoke ID: 10", "Service Choice: readRange (26)", "ObjectIdentifier: trend-log, 2",
+         "Property Identifier: log-buffer (131)", "reference Index: (Unsigned) 10",
+         "reference Count: (Signed) -3"});
     rr.request_type = RR_BY_TIME;
     rr.range.ref_time = BACNET_DATE_TIME{{2023, 12, 31, 7}, {23, 59, 58, 25}};
     rr.count = 100;
-    f.push_back({"rr time",
-                 encoded([&](uint8_t* p) { return rr_encode_apdu(p, 11, &rr); }),
-                 true,
-                 {"Date: December 31, 2023, (Day of Week = Sunday)", "= 23:59:58.25",
-                  "reference Count: (Signed) 100"}});
+    add("rr time", ENC(rr_encode_apdu(p, 11, &rr)), true,
+        {"Date: December 31, 2023, (Day of Week = Sunday)", "= 23:59:58.25",
+         "reference Count: (Signed) 100"});
 
-    f.push_back({"whois",
-                 encoded([](uint8_t* p) { return whois_encode_apdu(p, 100, 4194303); }),
-                 false,
-                 {"who-Is (8)", "Device Instance Range Low Limit: 100",
-                  "Device Instance Range High Limit: 4194303"}});
-    f.push_back({"iam",
-                 encoded([](uint8_t* p) { return iam_encode_apdu(p, 260001, 1476, SEGMENTATION_NONE, 947); }),
-                 false,
-                 {"i-Am (0)", "ObjectIdentifier: device, 260001",
-                  "Maximum ADPU Length Accepted: (Unsigned) 1476", "no-segmentation (3)", "Vendor ID"}});
+    add("whois", ENC(whois_encode_apdu(p, 100, 4194303)), false,
+        {"who-Is (8)", "Device Instance Range Low Limit: 100", "Device Instance Range High Limit: 4194303"});
+    add("iam", ENC(iam_encode_apdu(p, 260001, 1476, SEGMENTATION_NONE, 947)), false,
+        {"i-Am (0)", "ObjectIdentifier: device, 260001", "Maximum ADPU Length Accepted: (Unsigned) 1476",
+         "no-segmentation (3)", "Vendor ID"});
     const BACNET_DATE syncDate{2025, 6, 30, 1};
     const BACNET_TIME syncTime{6, 30, 0, 50};
-    f.push_back(
-        {"timesync",
-         encoded([&](uint8_t* p) { return timesync_encode_apdu(p, &syncDate, &syncTime); }),
-         false,
-         {"timeSynchronization (6)", "Date: June 30, 2025, (Day of Week = Monday)", "= 06:30:00.50"}});
-    f.push_back({"utc timesync",
-                 encoded([&](uint8_t* p) { return timesync_utc_encode_apdu(p, &syncDate, &syncTime); }),
-                 false,
-                 {"utcTimeSynchronization (9)", "Date: June 30, 2025"}});
+    add("timesync", ENC(timesync_encode_apdu(p, &syncDate, &syncTime)), false,
+        {"timeSynchronization (6)", "Date: June 30, 2025, (Day of Week = Monday)", "= 06:30:00.50"});
+    add("utc timesync", ENC(timesync_utc_encode_apdu(p, &syncDate, &syncTime)), false,
+        {"utcTimeSynchronization (9)", "Date: June 30, 2025"});
     return f;
 }
 
