@@ -19,7 +19,7 @@ CC=clang CXX=clang++ cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined" > /dev/null
 
 # Only the harnesses and what they link, so an unrelated area cannot hold the fuzz run up.
-mapfile -t targets < <(cmake --build "$dir" --target help | sed -n 's/^\.\.\. \(fuzz_[A-Za-z0-9_]*\).*/\1/p')
+mapfile -t targets < <(cmake --build "$dir" --target help | sed -n 's/^\.\.\. \(fuzz_[A-Za-z0-9_]*\).*/\1/p' | sort -u)
 if [ "${#targets[@]}" -eq 0 ]; then
   echo "no fuzz targets found" >&2
   exit 1
