@@ -9,6 +9,7 @@
 #include "TQ_BACnet/DataType/Time.h"
 #include "TQ_BACnet/Entity/BnDataTypeEnum.h"
 #include "TQ_BACnet/Utility/ConvertIt.h"
+#include "TQ_BACnet/WS/MarkupFactory.h"
 #include "tq_stack/bactext.h"
 #include "tq_stack/strings.h"
 #include "tq_stack/validate.h"
@@ -157,7 +158,7 @@ void DataApplicationValue::setText(BACNET_APPLICATION_TAG newTag, const std::str
 }
 
 std::string DataApplicationValue::getText(bool useNames, BACnetDataType dataType, bool* ok,
-                                          WS::MarkupFactory* /*factory*/, bool bitsAsBooleans) const {
+                                          WS::MarkupFactory* factory, bool bitsAsBooleans) const {
     if (ok) *ok = true;
     if (_isNull || tag == BACNET_APPLICATION_TAG_NULL) return "NULL";
     std::string out;
@@ -177,6 +178,7 @@ std::string DataApplicationValue::getText(bool useNames, BACnetDataType dataType
             return out;
         case BACNET_APPLICATION_TAG_CHARACTER_STRING:
             BACnetConvert::setStdString(type.Character_String, out);
+            if (factory) factory->stringEncode(out);
             return out;
         case BACNET_APPLICATION_TAG_BIT_STRING: {
             const unsigned bits = type.Bit_String.bits_used;

@@ -1,4 +1,5 @@
 #include "TQ_BACnet/DataPropertyInObject0.h"
+#include "TQ_BACnet/DataType/ANY.h"
 
 #include "Entity/EntitySupport.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
@@ -23,6 +24,22 @@ namespace {
 constexpr std::size_t kEncodedMax = 5 * 6 + 2;
 
 constexpr uint32_t kMaxPropertyId = 16777214;
+
+// Object type and property side by side: property identifiers go beyond the 22 bits an
+// object-identifier-style packing leaves them, and two pairs must never share a key.
+inline Poco::UInt64 cacheKey(BACNET_OBJECT_TYPE objectType, BACNET_PROPERTY_ID propertyId) {
+    return (static_cast<Poco::UInt64>(objectType) << 32) | static_cast<uint32_t>(propertyId);
+}
+
+// A thread reads the same property again and again (a value decoded per poll): its last answer
+// is kept beside it, so a repeat costs neither the lock nor the hash. Cached answers never
+// change, so the copy can never go stale. The library is linked, not loaded late, so the
+// static TLS model is available and saves the TLS lookup call.
+struct LastAnswer {
+    Poco::UInt64 key = ~Poco::UInt64(0);
+    TQ::BACnet::DataPropertyInObject0 descriptor;
+};
+thread_local LastAnswer lastAnswer __attribute__((tls_model("initial-exec")));
 
 // Catalogue types whose primitive form is fixed, so rendering them needs no catalogue access.
 struct FixedPrimitive {
@@ -86,6 +103,14 @@ int DataPropertyInObject0::encodeContext(TQ::Utility::OctetBuffer& buffer, uint8
     return appendEncoded(buffer, local, encodeContext(local, tagNumber));
 }
 
+void DataPropertyInObject0::getAsANY(DataType::ANY& out) const {
+    uint8_t bytes[kEncodedMax];
+    const int length = encode(bytes);
+    const DataPropertyInObject0 itself(BACNET_DT_PROPERTY_DESCRIPTOR, BACNET_APPLICATION_TAG_NULL,
+                                       BACNET_DTS_SINGLE_VALUE, false, 4);
+    out.setTypeAndValue(itself, bytes, static_cast<unsigned>(length));
+}
+
 BACNET_APPLICATION_TAG DataPropertyInObject0::getPrimitiveType(BACnetDataType datatype) {
     if (datatype <= BACNET_DT_RESERVE3) return static_cast<BACNET_APPLICATION_TAG>(datatype);
     for (const FixedPrimitive& fixed : kFixedPrimitives)
@@ -115,6 +140,10 @@ bool DataPropertyInObject0::getValueTypeAndStructure(BACNET_OBJECT_TYPE objectTy
     if (static_cast<uint32_t>(objectType) >= MAX_BACNET_OBJECT_TYPE ||
         static_cast<uint32_t>(propertyId) > kMaxPropertyId)
         return false;
+    if (lastAnswer.key == cacheKey(objectType, propertyId)) {
+        out = lastAnswer.descriptor;
+        return true;
+    }
     if (lookUp(objectType, propertyId, out)) return true;
     // Outside the lock: the fallback takes it again and the mutex is not recursive.
     if (useFallback && propertyId != PROP_PRESENT_VALUE) {
@@ -129,14 +158,12 @@ bool DataPropertyInObject0::lookUp(BACNET_OBJECT_TYPE objectType, BACNET_PROPERT
     using Poco::Data::Keywords::limit;
     using Poco::Data::Keywords::use;
 
+    const Poco::UInt64 key = cacheKey(objectType, propertyId);
     Poco::FastMutex::ScopedLock lock(_mutexPropertiesInObjects);
-    // Object type and property side by side: property identifiers go beyond the 22 bits an
-    // object-identifier-style packing leaves them, and two pairs must never share a key.
-    const Poco::UInt64 key =
-        (static_cast<Poco::UInt64>(objectType) << 32) | static_cast<uint32_t>(propertyId);
     auto cached = _propertiesInObjects.find(key);
     if (cached != _propertiesInObjects.end()) {
         out = cached->second;
+        lastAnswer = {key, out};
         return true;
     }
 
@@ -161,6 +188,7 @@ bool DataPropertyInObject0::lookUp(BACNET_OBJECT_TYPE objectType, BACNET_PROPERT
         static_cast<BACnetDataTypeStructure>(structure), emptyAllowed != 0, managedInternally);
     _propertiesInObjects[key] = found;
     out = found;
+    lastAnswer = {key, found};
     return true;
 }
 

@@ -1,6 +1,5 @@
 #include "TQ_BACnet/ValueContainer.h"
 
-#include "TQ/Utility/LogHelper.h"
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/DataType/BitString.h"
@@ -13,8 +12,6 @@
 #include <Poco/Bugcheck.h>
 
 #include <algorithm>
-#include <cstring>
-#include <iostream>
 
 namespace TQ {
 namespace BACnet {
@@ -22,82 +19,9 @@ namespace BACnet {
 namespace {
 
 using Values = std::vector<DataApplicationValue>;
-using Raw = TQ::Utility::OctetBuffer;
 
 // A sane bound on the values one APDU can carry; guards the reservation below.
 constexpr size_t MAX_VALUES_PER_APDU = MAX_APDU;
-
-void printFailure(const char* what) {
-    std::cout << TQ::Utility::LogHelper::timeStamp() << ' ' << what << std::endl;
-}
-
-int encodeOne(const DataApplicationValue& value, uint8_t* out) {
-    return value.encode(out);
-}
-
-// The bytes of an undecoded constructed value; refuses what a scratch APDU cannot take.
-int encodeOne(const Raw& raw, uint8_t* out) {
-    if (raw.size() > static_cast<size_t>(ValueContainer::MAX_ENCODED)) return -1;
-    if (!raw.empty()) std::memcpy(out, raw.data(), raw.size());
-    return static_cast<int>(raw.size());
-}
-
-template <class T>
-int encodeVector(const std::vector<T>& values, uint8_t* apdu) {
-    uint8_t scratch[ValueContainer::MAX_ENCODED];
-    int total = 0;
-    for (const T& value : values) {
-        const int length = encodeOne(value, scratch);
-        if (length < 1) return length;
-        if (total + length > ValueContainer::MAX_ENCODED) {
-            printFailure("ValueContainer::encodeT() failure");
-            return 0;
-        }
-        std::memcpy(apdu + total, scratch, static_cast<size_t>(length));
-        total += length;
-    }
-    return total;
-}
-
-template <class T>
-int encodeVector2(const std::vector<T>& values, Raw& buffer) {
-    uint8_t scratch[ValueContainer::MAX_ENCODED];
-    buffer.clear();
-    buffer.reserve(ValueContainer::MAX_ENCODED);
-    for (const T& value : values) {
-        const int length = encodeOne(value, scratch);
-        if (length < 1) {
-            printFailure("ValueContainer::encode2T() failure");
-            buffer.clear();
-            return length;
-        }
-        buffer.append(scratch, static_cast<size_t>(length));
-    }
-    return static_cast<int>(buffer.size());
-}
-
-// Walks the tags of constructed values without interpreting them: opening and closing tags
-// must balance and every tag's content must lie inside the given bytes.
-bool wellFormed(const uint8_t* apdu, int length) {
-    int position = 0;
-    unsigned depth = 0;
-    while (position < length) {
-        BACNET_TAG tag;
-        const int header = bacnet_tag_decode(apdu + position, static_cast<uint32_t>(length - position), &tag);
-        if (header <= 0) return false;
-        position += header;
-        if (tag.opening) {
-            if (++depth > BACNET_MAX_NESTING_DEPTH) return false;
-        } else if (tag.closing) {
-            if (depth == 0) return false;
-            --depth;
-        } else if (!(tag.application && tag.number == BACNET_APPLICATION_TAG_BOOLEAN)) {
-            if (tag.len_value_type > static_cast<uint32_t>(length - position)) return false;
-            position += static_cast<int>(tag.len_value_type);
-        }
-    }
-    return depth == 0;
-}
 
 // The codec takes any byte for a date or time field; the text form (what is stored and shown)
 // has limits. A peer's out-of-range field is refused here rather than thrown later from getText.
@@ -162,9 +86,8 @@ void ValueContainer::init() {
 
 int ValueContainer::decode(const uint8_t* apdu, int length, unsigned maxValues, BACNET_OBJECT_TYPE objectType,
                            BACNET_PROPERTY_ID property, int arrayIndex, DataErrorRef& error) {
-    DataPropertyInObject0 descriptor;
-    if (!DataPropertyInObject0::getValueTypeAndStructure(objectType, property, descriptor, false)) return -1;
-    static_cast<DataPropertyInObject0&>(_descriptor) = descriptor;
+    // Straight into the container's own descriptor: an unknown pair leaves it untouched.
+    if (!DataPropertyInObject0::getValueTypeAndStructure(objectType, property, _descriptor, false)) return -1;
     return decode(apdu, length, maxValues, arrayIndex, error);
 }
 
@@ -188,7 +111,7 @@ int ValueContainer::decode(const uint8_t* apdu, int length, unsigned maxValues, 
         return -1;
     }
     if (_descriptor.tag == BACNET_APPLICATION_TAG_NULL && _descriptor.datatype != BACNET_DT_NULL) {
-        return decodeConstructed(apdu, length, error);
+        return decodeConstructed(apdu, length, maxValues, error);
     }
     return decodePrimitives(apdu, length, maxValues, error);
 }
@@ -211,36 +134,40 @@ int ValueContainer::decodePrimitives(const uint8_t* apdu, int length, unsigned m
         if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) _descriptor.structure = BACNET_DTS_ARRAY;
         return 0;
     }
-    // The first value goes straight into the held single value when there is one (a property
-    // read again), else onto the stack; only when more values follow is it copied, into the vector.
-    // Asked only for single-valued properties: a failed type match costs a string compare.
-    DataApplicationValue* heldSingle = _descriptor.structure == BACNET_DTS_SINGLE_VALUE
-                                           ? Poco::AnyCast<DataApplicationValue>(&_value)
-                                           : nullptr;
-    DataApplicationValue local;
-    DataApplicationValue& decoded = heldSingle ? *heldSingle : local;
     int consumed = 0;
-    if (!decodeChecked(apdu, length, 0, decoded, consumed, expected, plain, emptyAllowed, error))
-        return fail();
-    int position = consumed;
-    if (position >= length || maxValues == 1) {
-        _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
-        if (!heldSingle) reuse<DataApplicationValue>() = local;
-        return position;
+    Values* vector = nullptr;
+    if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
+        // The first value goes straight into the held single value when there is one (a property
+        // read again), else onto the stack; only when more values follow is it copied, into the
+        // vector. A failed type match costs a string compare, so arrays do not ask.
+        DataApplicationValue* heldSingle = Poco::AnyCast<DataApplicationValue>(&_value);
+        DataApplicationValue local;
+        DataApplicationValue& decoded = heldSingle ? *heldSingle : local;
+        if (!decodeChecked(apdu, length, 0, decoded, consumed, expected, plain, emptyAllowed, error))
+            return fail();
+        if (consumed >= length || maxValues == 1) {
+            if (!heldSingle) reuse<DataApplicationValue>() = local;
+            return consumed;
+        }
+        // Replacing the held single value by a vector destroys it: keep the first value aside.
+        if (heldSingle) local = *heldSingle;
+        vector = &reuse<Values>();
+        if (vector->empty()) vector->emplace_back();
+        (*vector)[0] = local;
+    } else {
+        // The held vector's elements are decoded over in place (the codec rewrites every field it
+        // uses), so a container read again and again neither destroys nor constructs values.
+        vector = &reuse<Values>();
+        if (vector->empty()) vector->emplace_back();
+        if (!decodeChecked(apdu, length, 0, (*vector)[0], consumed, expected, plain, emptyAllowed, error))
+            return fail();
     }
-    // Replacing the held single value by a vector destroys it: keep the first value aside.
-    if (heldSingle) local = *heldSingle;
-    const DataApplicationValue& first = local;
-
-    // The held vector's elements are decoded over in place (the codec rewrites every field it
-    // uses), so a container read again and again neither destroys nor constructs values.
-    Values& values = reuse<Values>();
+    Values& values = *vector;
     // Values of one property are mostly alike, so the first one's size predicts the count.
     const size_t expectedCount =
         std::min<size_t>(static_cast<size_t>(length / consumed) + 1, MAX_VALUES_PER_APDU);
     if (values.capacity() < expectedCount) values.reserve(expectedCount);
-    if (values.empty()) values.emplace_back();
-    values[0] = first;
+    int position = consumed;
     size_t count = 1;
     while (position < length && (maxValues == 0 || count < maxValues)) {
         if (count == values.size()) values.emplace_back();
@@ -251,59 +178,16 @@ int ValueContainer::decodePrimitives(const uint8_t* apdu, int length, unsigned m
         position += consumed;
         ++count;
     }
+    if (count == 1) {
+        // One value of an array or list property: held as a single value.
+        const DataApplicationValue only = values[0];
+        _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
+        reuse<DataApplicationValue>() = only;
+        return position;
+    }
     values.resize(count);
     if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) _descriptor.structure = BACNET_DTS_ARRAY;
     return position;
-}
-
-int ValueContainer::decodeConstructed(const uint8_t* apdu, int length, DataErrorRef& error) {
-    if (!wellFormed(apdu, length)) {
-        error.setError(ERROR_CLASS_SERVICES, ERROR_CODE_OTHER);
-        _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
-        reuse<DataApplicationValue>().init();
-        return -1;
-    }
-    if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
-        reuse<Raw>().assign(apdu, static_cast<size_t>(length));
-    } else {
-        auto& values = reuse<std::vector<Raw>>();
-        values.resize(1);
-        values[0].assign(apdu, static_cast<size_t>(length));
-    }
-    return length;
-}
-
-int ValueContainer::encode(uint8_t* apdu) const {
-    if (apdu == nullptr) return 0;
-    if (isPrimitive()) {
-        if (getStructure() == BACNET_DTS_SINGLE_VALUE) return single().encode(apdu);
-        return encodeVector(held<Values>(), apdu);
-    }
-    if (getStructure() == BACNET_DTS_SINGLE_VALUE) return encodeOne(held<Raw>(), apdu);
-    return encodeVector(held<std::vector<Raw>>(), apdu);
-}
-
-int ValueContainer::encode2(TQ::Utility::OctetBuffer& buffer) const {
-    if (!isPrimitive()) {
-        if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
-            buffer = held<Raw>();
-            return static_cast<int>(buffer.size());
-        }
-        return encodeVector2(held<std::vector<Raw>>(), buffer);
-    }
-    if (getStructure() != BACNET_DTS_SINGLE_VALUE) return encodeVector2(held<Values>(), buffer);
-    uint8_t scratch[MAX_ENCODED];
-    const int length = single().encode(scratch);
-    if (length < 1) {
-        buffer.clear();
-        return length;
-    }
-    buffer.assign(scratch, static_cast<size_t>(length));
-    return length;
-}
-
-int ValueContainer::encodeContext(uint8_t*, uint8_t) const {
-    throw Poco::NotImplementedException("ValueContainer::encodeContext()");
 }
 
 bool ValueContainer::getBool() const {

@@ -93,10 +93,7 @@ bool ValueContainer::setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG 
     _descriptor.datatype = dataType;
     _descriptor.tag = tag;
     if (tag == BACNET_APPLICATION_TAG_NULL && dataType != BACNET_DT_NULL) {
-        // Constructed values are parsed by their own classes, which the container does not
-        // assemble yet.
-        init();
-        return false;
+        return setConstructedString(texts.front());
     }
     if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
         DataApplicationValue& value = reuse<DataApplicationValue>();
@@ -118,13 +115,16 @@ bool ValueContainer::getStrings(std::vector<std::string>& out, DataWriteProperty
     if (getStructure() != BACNET_DTS_SINGLE_VALUE) {
         throw Poco::NotImplementedException("_structure != BACNET_DTS_SINGLE_VALUE");
     }
+    bool ok = false;
+    std::string text;
     if (isPrimitive()) {
-        bool ok = false;
-        std::string text = single().getText(false, BACNET_DT_NOT_FOUND, &ok, nullptr, true);
-        if (ok) {
-            out.push_back(std::move(text));
-            return true;
-        }
+        text = single().getText(false, BACNET_DT_NOT_FOUND, &ok, nullptr, true);
+    } else {
+        ok = getConstructedString(text);
+    }
+    if (ok) {
+        out.push_back(std::move(text));
+        return true;
     }
     std::cout << "ValueContainer::getStrings() returns ERROR_CLASS_PROPERTY,ERROR_CODE_INVALID_DATA_TYPE"
               << std::endl;

@@ -15,13 +15,30 @@ namespace {
 
 using namespace TQ::BACnet;
 
-// Primitive types, no value, ANY and constructed types that the container holds as bytes.
-const BACnetDataType DATA_TYPES[] = {
-    BACNET_DT_NULL,       BACNET_DT_BOOLEAN,       BACNET_DT_UNSIGNED_INT, BACNET_DT_SIGNED_INT,
-    BACNET_DT_REAL,       BACNET_DT_DOUBLE,        BACNET_DT_OCTET_STRING, BACNET_DT_CHARACTER_STRING,
-    BACNET_DT_BIT_STRING, BACNET_DT_ENUMERATED,    BACNET_DT_DATE,         BACNET_DT_TIME,
-    BACNET_DT_OBJECT_ID,  BACNET_DT_ANY,           BACNET_DT_DATE_TIME,    BACNET_DT_RECIPIENT,
-    BACNET_DT_LOG_RECORD, BACNET_DT_PROPERTY_VALUE};
+// Primitive types, no value, every class the container decodes constructed values into, and
+// types it holds as their encoding.
+const BACnetDataType DATA_TYPES[] = {BACNET_DT_NULL,
+                                     BACNET_DT_BOOLEAN,
+                                     BACNET_DT_UNSIGNED_INT,
+                                     BACNET_DT_SIGNED_INT,
+                                     BACNET_DT_REAL,
+                                     BACNET_DT_DOUBLE,
+                                     BACNET_DT_OCTET_STRING,
+                                     BACNET_DT_CHARACTER_STRING,
+                                     BACNET_DT_BIT_STRING,
+                                     BACNET_DT_ENUMERATED,
+                                     BACNET_DT_DATE,
+                                     BACNET_DT_TIME,
+                                     BACNET_DT_OBJECT_ID,
+                                     BACNET_DT_ANY,
+                                     BACNET_DT_DATE_TIME,
+                                     BACNET_DT_DEVICE_OBJECT_PROPERTY_REFERENCE,
+                                     BACNET_DT_DEVICE_OBJECT_REFERENCE,
+                                     BACNET_DT_OBJECT_PROPERTY_REFERENCE,
+                                     BACNET_DT_RECIPIENT,
+                                     BACNET_DT_LOG_RECORD,
+                                     BACNET_DT_TREND_LOG_LAST_UPLOADED,
+                                     BACNET_DT_PROPERTY_VALUE};
 constexpr size_t DATA_TYPE_COUNT = sizeof(DATA_TYPES) / sizeof(DATA_TYPES[0]);
 const int ARRAY_INDEXES[] = {-1, 0, 1, 16};
 
@@ -58,6 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     container.encode2(encoded);
     uint8_t apduOut[2 * ValueContainer::MAX_ENCODED];
     check(container.encode(apduOut) <= ValueContainer::MAX_ENCODED);
+    container.getLastTimeStamp();
 
     ValueContainer again;
     if (again.setText(container.getDataType(), container.getTag(), text, false)) {

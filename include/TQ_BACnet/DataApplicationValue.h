@@ -103,6 +103,11 @@ public:
     /// `factory` is used only to escape character strings for its output format; it may be null.
     std::string getText(bool useNames, BACnetDataType dataType, bool* ok, WS::MarkupFactory* factory,
                         bool bitsAsBooleans) const;
+    /// Renders the value as one complete markup of its own tag (Null for a null value); a text
+    /// that cannot be formed shows as "???". The context tag, when there is one, goes along as
+    /// metadata.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker, BACnetDataType dataType,
+                bool root, int level, bool bitsAsBooleans) const;
     /// Converts the value in place to `newTag`; Poco::BadCastException "DataApplicationValue::ApplyTag()"
     /// for impossible pairs.
     void applyTag(BACNET_APPLICATION_TAG newTag);

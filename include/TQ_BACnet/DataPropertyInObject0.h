@@ -15,6 +15,9 @@ namespace Utility {
 class OctetBuffer;
 }
 namespace BACnet {
+namespace DataType {
+class ANY;
+}
 
 /// What one property of one object type holds: its data type, the application tag of its
 /// primitive form, its structure (single value, array or list), whether it may be empty and
@@ -49,6 +52,10 @@ public:
     /// buffer over foreign storage that is too small.
     int encode(TQ::Utility::OctetBuffer& buffer) const;
     int encodeContext(TQ::Utility::OctetBuffer& buffer, uint8_t tagNumber) const;
+
+    /// The encoded descriptor as a value of its own constructed type, so it travels and renders
+    /// like any other value.
+    void getAsANY(DataType::ANY& out) const;
 
     /// The application tag of a data type's primitive form: a tag stands for itself, a few
     /// catalogue types are fixed, any other is read from the constructed-type catalogue.

@@ -36,9 +36,9 @@ class Time;
 /// vector. A descriptor tag other than NULL means primitives (`DataApplicationValue`); tag NULL
 /// with a data type other than 0 means a constructed value; data type 0 means no value.
 ///
-/// Constructed values are held, until their classes exist, as their encoded bytes
-/// (`TQ::Utility::OctetBuffer`, one object for the whole property value): they encode back
-/// byte for byte and their text form is that encoding in hexadecimal.
+/// Constructed values are held in their classes (date-time, references, log records,
+/// recipients, the last-uploaded record); every other constructed type as its encoding in a
+/// `DataType::ANY`. Their text form is their encoding in hexadecimal.
 class ValueContainer {
 public:
     /// The property descriptor as the container carries it.
@@ -151,6 +151,8 @@ public:
     bool setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG tag,
                     const std::vector<std::string>& texts, bool emptyIsNull);
     bool getStrings(std::vector<std::string>& out, DataWriteProperty& request) const;
+    /// The time of the last record of a log (0 for anything else, and for an empty log).
+    Poco::Timestamp getLastTimeStamp() const;
 
 private:
     template <class T>
@@ -174,7 +176,19 @@ private:
     }
 
     int decodePrimitives(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);
-    int decodeConstructed(const uint8_t* apdu, int length, DataErrorRef& error);
+    int decodeConstructed(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);
+    template <class T>
+    int decodeObjects(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);
+    template <class T>
+    int encodeT(uint8_t* apdu) const;
+    template <class T>
+    int encode2T(TQ::Utility::OctetBuffer& buffer) const;
+    template <class T>
+    void lastTimeStampOf(Poco::Timestamp& last) const;
+    /// The one constructed text `setStrings` takes; false (and the container emptied) when it
+    /// does not read or the type has no text form.
+    bool setConstructedString(const std::string& text);
+    bool getConstructedString(std::string& out) const;
     /// Stores a value, or the chain it starts, as the held single value or vector.
     void storeChain(const DataApplicationValue& first);
 

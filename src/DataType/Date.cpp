@@ -1,6 +1,7 @@
 #include "TQ_BACnet/DataType/Date.h"
 
 #include <Poco/Exception.h>
+#include <Poco/LocalDateTime.h>
 #include <Poco/NumberParser.h>
 #include <Poco/StringTokenizer.h>
 
@@ -63,6 +64,10 @@ std::string& Date::getString(const BACnet_Date& date, std::string& out) {
 std::string Date::getString() const {
     std::string out;
     return getString(*this, out);
+}
+
+void Date::getLocalDateTime(Poco::LocalDateTime& local) const {
+    local.assign(year, month, day, 0, 0, 0, 0, 0);
 }
 
 Date& Date::operator=(const std::string& text) {

@@ -1,6 +1,7 @@
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
 
 #include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/Entity/BnDataTypeEnum.h"
 #include "TQ_BACnet/ProtocolText.h"
 #include "tq_stack/codec.h"
 
@@ -74,6 +75,23 @@ int ObjectIdentifier::decodeContext(const uint8_t* apdu, uint32_t length, uint8_
     const int len = decode_context_object_id(apdu, length, tag, &type, &instance);
     if (len >= 1) _value = createObjectIdentifier(static_cast<BACNET_OBJECT_TYPE>(type), instance);
     return len;
+}
+
+int ObjectIdentifier::encode(uint8_t* apdu) const {
+    return encode_bacnet_object_id(apdu, getObjectType(), getInstance());
+}
+
+int ObjectIdentifier::encodeContext(uint8_t* apdu, uint8_t tag) const {
+    return encode_context_object_id(apdu, tag, getObjectType(), getInstance());
+}
+
+std::string ObjectIdentifier::getPath(bool leadingSlash) const {
+    std::string path;
+    if (leadingSlash) path += '/';
+    path += Entity::BnDataTypeEnum::getEnumNameById(OBJECT_TYPE_ENUM, getObjectType());
+    path += ',';
+    path += std::to_string(getInstance());
+    return path;
 }
 
 }  // namespace DataType

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "tq_stack/enums.h"
 #include "tq_stack/values.h"
+
+#include <cstdint>
+#include <string>
 
 namespace TQ {
 namespace BACnet {
@@ -13,9 +17,20 @@ public:
     CharacterString();
     CharacterString(const BACnet_Character_String& other);
     CharacterString(const CharacterString& other);
+    /// The bytes of `text` as they stand in character set `characterSet`; Poco::RangeException when
+    /// they do not fit one string, Poco::InvalidArgumentException for an unknown character set.
+    explicit CharacterString(const std::string& text, uint8_t characterSet = CHARACTER_UTF8);
     CharacterString& operator=(const BACnet_Character_String& other);
     CharacterString& operator=(const CharacterString& other);
     virtual ~CharacterString();
+
+    /// The used bytes, in the string's own character set (no conversion).
+    std::string getString() const { return std::string(value, length); }
+    uint8_t getEncoding() const { return encoding; }
+
+    /// Same character set and same bytes.
+    bool operator==(const BACnet_Character_String& other) const;
+    bool operator!=(const BACnet_Character_String& other) const { return !(*this == other); }
 };
 
 }  // namespace DataType

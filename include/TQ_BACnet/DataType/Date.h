@@ -4,6 +4,10 @@
 
 #include <string>
 
+namespace Poco {
+class LocalDateTime;
+}
+
 namespace TQ {
 namespace BACnet {
 namespace DataType {
@@ -24,6 +28,17 @@ public:
     /// Replaces `out` by the text form; Poco::RangeException for a field out of range.
     static std::string& getString(const BACnet_Date& date, std::string& out);
     std::string getString() const;
+
+    /// Midnight of this date. Fields are not checked here: an unspecified or special field
+    /// (year 2155, month 13, day 32, ...) fails Poco's own range assertion.
+    void getLocalDateTime(Poco::LocalDateTime& local) const;
+
+    /// All four fields, the weekday included: dates that encode differently are different. Either
+    /// side may be a plain codec date.
+    friend bool operator==(const Date& a, const Date& b) {
+        return a.year == b.year && a.month == b.month && a.day == b.day && a.wday == b.wday;
+    }
+    friend bool operator!=(const Date& a, const Date& b) { return !(a == b); }
 };
 
 }  // namespace DataType

@@ -16,6 +16,9 @@ namespace DataType {
 /// The packed 32-bit BACnet object identifier: object type in bits 31..22, instance in 21..0.
 class ObjectIdentifier {
 public:
+    /// The catalogue's enumeration of object-type names.
+    static constexpr unsigned OBJECT_TYPE_ENUM = 120;
+
     ObjectIdentifier() = default;
     explicit ObjectIdentifier(uint32_t packed) : _value(packed) {}
     ObjectIdentifier(BACNET_OBJECT_TYPE type, unsigned instance)
@@ -45,9 +48,23 @@ public:
 
     operator BACnet_Object_Id() const;
 
-    /// The codec's length, or its failure (below 1) with the value unchanged.
+    /// The four content bytes (no tag), as the codec's object-identifier content decoder reads
+    /// them: the codec's length, or its failure (below 1) with the value unchanged.
     int decode(const uint8_t* apdu, uint32_t length);
+    /// The context-tagged form: the codec's length, 0 for another tag, below 0 for a broken
+    /// encoding; the value is unchanged unless the result is positive.
     int decodeContext(const uint8_t* apdu, uint32_t length, uint8_t tag);
+    /// For callers holding a whole APDU: at most one APDU (the codec's MAX_APDU) is read.
+    int decode(const uint8_t* apdu) { return decode(apdu, MAX_APDU); }
+    int decodeContext(const uint8_t* apdu, uint8_t tag) { return decodeContext(apdu, MAX_APDU, tag); }
+    /// The counterparts of the decoders: four content bytes, resp. the context-tagged form
+    /// (five bytes for tags below 15). The length that would be written for a null buffer.
+    int encode(uint8_t* apdu) const;
+    int encodeContext(uint8_t* apdu, uint8_t tag) const;
+
+    /// The BACnet/WS path segment "[/]<object-type name>,<instance>", the name read from the
+    /// object-type enumeration of the catalogue (the number in decimal for an unnamed type).
+    std::string getPath(bool leadingSlash) const;
 
     bool operator==(const ObjectIdentifier& other) const { return _value == other._value; }
     bool operator!=(const ObjectIdentifier& other) const { return _value != other._value; }

@@ -24,6 +24,12 @@ public:
     /// Replaces `out` by the text form; Poco::RangeException for a field out of range.
     static std::string& getString(const BACnet_Time& time, std::string& out);
     std::string getString() const;
+
+    /// Either side may be a plain codec time.
+    friend bool operator==(const Time& a, const Time& b) {
+        return a.hour == b.hour && a.min == b.min && a.sec == b.sec && a.hundredths == b.hundredths;
+    }
+    friend bool operator!=(const Time& a, const Time& b) { return !(a == b); }
 };
 
 }  // namespace DataType

@@ -1,0 +1,248 @@
+#pragma once
+
+#include "TQ_BACnet/BACnetDataType.h"
+#include "TQ_BACnet/WS/Metadata.h"
+#include "TQ_BACnet/WS/MetadataValue.h"
+
+#include "tq_stack/enums.h"
+
+#include <Poco/DeflatingStream.h>
+
+#include <deque>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace TQ {
+namespace BACnet {
+namespace WS {
+
+/// The writer every value renders itself through. A value is described as a tree of markups
+/// (base type, name, value text, flags, metadata); this class keeps the stack of markups still
+/// open, the indentation and the (optionally compressed) output stream, and leaves the actual
+/// syntax to a concrete writer (XML, JSON, plain text) through the `desc...` operations.
+class MarkupFactory {
+public:
+    /// The kind of a markup; 0..12 are the BACnet application tags, so a primitive's tag is
+    /// used as its base type directly. BT_MAX and above are invalid and never written.
+    enum BaseType : unsigned int {
+        BT_NULL = 0,
+        BT_BOOLEAN = 1,
+        BT_UNSIGNED = 2,
+        BT_INTEGER = 3,
+        BT_REAL = 4,
+        BT_DOUBLE = 5,
+        BT_OCTET_STRING = 6,
+        BT_STRING = 7,
+        BT_BIT_STRING = 8,
+        BT_ENUMERATED = 9,
+        BT_DATE = 10,
+        BT_TIME = 11,
+        BT_OBJECT_IDENTIFIER = 12,
+        BT_DATE_PATTERN = 13,
+        BT_DATE_TIME = 14,
+        BT_DATE_TIME_PATTERN = 15,
+        BT_TIME_PATTERN = 16,
+        BT_STRING_SET = 17,
+        BT_OBJECT = 18,
+        BT_INTERFACE = 19,
+        BT_COMPOSITION = 20,
+        BT_LIST = 21,
+        BT_SEQUENCE = 22,
+        BT_ARRAY = 23,
+        BT_SEQUENCE_OF = 24,
+        BT_CHOICE = 25,
+        BT_ANY = 26,
+        BT_LINK = 27,
+        BT_COLLECTION = 28,
+        BT_TAG = 29,
+        BT_OBJECT_IDENTIFIER_PATTERN = 30,
+        BT_WEEK_N_DAY = 31,
+        BT_NAMED_VALUES = 32,
+        BT_MEMBER_TYPE_DEFINITION = 33,
+        BT_CHOICES = 34,
+        BT_NAMED_BITS = 35,
+        BT_BIT = 36,
+        BT_COMPOSITION_2 = 37,
+        BT_MAX = 38
+    };
+
+    /// Markup flags handed to `markupNew` and the writers.
+    static constexpr unsigned int MF_ROOT = 0x1;          ///< outermost element
+    static constexpr unsigned int MF_COMPLETE = 0x2;      ///< no children, closed at once
+    static constexpr unsigned int MF_OMIT_EMPTY = 0x4;    ///< no value when its text is empty
+    static constexpr unsigned int MF_QUOTE = 0x20000000;  ///< quote every value
+    static constexpr unsigned int MF_ARRAY = 0x40000000;  ///< open an array marker as well
+
+    /// One entry of the open-markup stack. Array-marker entries are bookkeeping only: they close
+    /// without output and do not count for indentation.
+    struct OpenMarkup {
+        OpenMarkup() = default;
+        OpenMarkup(BaseType baseType, bool arrayMarker) : baseType(baseType), arrayMarker(arrayMarker) {}
+        void set(BaseType type, bool marker) {
+            baseType = type;
+            arrayMarker = marker;
+        }
+
+        BaseType baseType = BT_NULL;
+        bool arrayMarker = false;
+    };
+
+    /// `compression` 0 (zlib, Poco::DeflatingStreamBuf::STREAM_ZLIB) or 1 (gzip, STREAM_GZIP)
+    /// compresses everything written into `out`; any other value (the options' default -1
+    /// included) writes to `out` directly. An int, not the Poco enumeration, so that -1 is no
+    /// out-of-range enumeration value; the enumerators convert implicitly.
+    MarkupFactory(std::ostream& out, bool pretty, bool useNames, int compression);
+    /// Virtual so that a writer may be deleted through this base. Does not flush: only `flush`
+    /// guarantees that a compressed response is complete.
+    virtual ~MarkupFactory();
+
+    MarkupFactory(const MarkupFactory&) = delete;
+    MarkupFactory& operator=(const MarkupFactory&) = delete;
+
+    // --- writer operations -------------------------------------------------------------------
+
+    /// Abandons every open markup without writing anything.
+    virtual void reset();
+    virtual void embeddStart();
+    virtual void embeddEnd();
+    /// Writes raw text to the output.
+    virtual void append(const std::string& text) = 0;
+    virtual void descHeader();
+    virtual bool allowArrays() const = 0;
+    /// Writes the opening (or complete) form of one markup; returns the number of extra stack
+    /// entries the writer needs (normally 0).
+    virtual int descMarkup(BaseType baseType, const std::string& name, const std::string& value,
+                           unsigned int flags, const std::vector<MetadataValue>* metadata) = 0;
+    virtual void descCloseOpenMarkup(const std::string& baseTypeName, bool arrayMarker) = 0;
+    /// Escapes `text` in place for the output format.
+    virtual void descStringEncode(std::string& text) = 0;
+
+    // --- writing -----------------------------------------------------------------------------
+
+    void header();
+
+    /// Writes one markup; an invalid base type writes nothing.
+    void markupNew(BaseType baseType, const std::string& name, const std::string& value, unsigned int flags,
+                   const std::vector<MetadataValue>* metadata);
+
+    /// The general entry: builds the flags and the metadata list from the arguments and calls
+    /// `markupNew`. Each metadata argument is attached only when non-empty (strings), set (bool)
+    /// or positive (int). `dataType` and `level` are carried for the callers' sake only.
+    /// `type` becomes a member type for lists, arrays and sequences-of, otherwise a type, except
+    /// the gateway's own "947." types, which are not shown.
+    void markup(BaseType baseType, const std::string& name, const std::string& value, bool complete,
+                bool arrayMarker, BACnetDataType dataType, bool root, const std::string& comment = "",
+                int error = 0, const std::string& errorText = "", const std::string& displayName = "",
+                const std::string& type = "", bool truncated = false, const std::string& target = "",
+                const std::string& href = "", const std::string& contextTag = "",
+                const std::string& propertyIdentifier = "", const std::string& description = "",
+                const std::string& units = "", bool omitEmptyValue = false, int level = 0);
+
+    /// As above, named after the property (catalogue enumeration 51).
+    void markup(BaseType baseType, BACNET_PROPERTY_ID propertyId, const std::string& value, bool complete,
+                bool arrayMarker, BACnetDataType dataType, bool root, const std::string& comment = "",
+                int error = 0, const std::string& errorText = "", const std::string& displayName = "",
+                const std::string& type = "", bool truncated = false, const std::string& target = "",
+                const std::string& href = "", const std::string& contextTag = "",
+                const std::string& propertyIdentifier = "", const std::string& description = "",
+                const std::string& units = "", bool omitEmptyValue = false, int level = 0);
+
+    /// A single-valued primitive property of an object type, typed from its catalogue descriptor;
+    /// writes nothing for any other property.
+    void markup(BACNET_OBJECT_TYPE objectType, BACNET_PROPERTY_ID propertyId, const std::string& value,
+                bool complete, bool arrayMarker, bool root, const std::string& comment = "", int error = 0,
+                const std::string& errorText = "", const std::string& displayName = "",
+                const std::string& type = "", bool truncated = false, const std::string& target = "",
+                const std::string& href = "", const std::string& contextTag = "",
+                const std::string& propertyIdentifier = "", const std::string& description = "",
+                const std::string& units = "", bool omitEmptyValue = false, int level = 0);
+
+    /// Closes the innermost real markup, and the array markers above it.
+    void closeOpenMarkup();
+    void closeOpenMarkup(const OpenMarkup& openMarkup);
+    void closeAllOpenMarkups();
+
+    /// Flushes the output; when compressing also ends the compressed stream (writes its trailer),
+    /// after which nothing more can be written.
+    void flush();
+    void stringEncode(std::string& text);
+
+    // --- metadata ----------------------------------------------------------------------------
+
+    unsigned int getMetadata() const { return _metadata.getCategories(); }
+    const Metadata& getMetadata2() const { return _metadata; }
+    bool isMetadata(Metadata::METADATA_CATEGORY category) const { return _metadata.isCategory(category); }
+    void setMetaData(Metadata::METADATA_CATEGORY category, bool on) { _metadata.setCategory(category, on); }
+    void setMetaData(const Metadata& metadata) { _metadata = metadata; }
+
+    // --- state -------------------------------------------------------------------------------
+
+    bool getUseNames() const { return _useNames; }
+    void setUseNames(bool useNames) { _useNames = useNames; }
+    bool getPretty() const { return _pretty; }
+    void setPretty(bool pretty) { _pretty = pretty; }
+    bool getQuoteValues() const { return _quoteValues; }
+    void setQuoteValues(bool quoteValues) { _quoteValues = quoteValues; }
+    bool isCompressing() const { return _compressing; }
+    int getLastErrorCode() const { return _lastErrorCode; }
+    const std::string& getLastErrorText() const { return _lastErrorText; }
+    void setLastError(int code, const std::string& text) {
+        _lastErrorCode = code;
+        _lastErrorText = text;
+    }
+    /// Entries on the open-markup stack, array markers included, and the markers alone.
+    std::size_t getOpenMarkupCount() const { return _openMarkups.size(); }
+    int getArrayMarkerCount() const { return _arrayMarkers; }
+    /// The stream writers print to (the compressing one when compressing).
+    std::ostream& getStream() { return _out; }
+
+    // --- helpers -----------------------------------------------------------------------------
+
+    /// The base type's name; empty for an invalid one.
+    static const std::string& getBaseTypeName(BaseType baseType);
+    /// Whether the value can be written as a bare number: Boolean to Double, and an Enumerated
+    /// given as a number.
+    static bool isNumeric(BaseType baseType, const std::string& value);
+    /// The first index of an array walk: 1 for "none" (0 or 0xFFFFFFFF), else the index.
+    static unsigned int initArrayIdx(unsigned int arrayIndex);
+    /// Empty for 0, else the index in decimal.
+    static std::string arrayIndexAsString(unsigned int arrayIndex);
+    /// List, Array or SequenceOf: the kinds whose type metadata names their members.
+    static bool isCollection(BaseType baseType);
+    /// The categories shown by default for a markup of this base type.
+    static Metadata getMetadataFromBaseType(BaseType baseType);
+    /// False for the constructed kinds, whose content is their children.
+    bool shouldValueBeVisibleForBaseType(BaseType baseType) const;
+
+    /// Indentation around a markup; `opening` is false when closing.
+    void formatBefore(bool opening);
+    void formatAfter();
+
+protected:
+    Metadata _metadata;
+    bool _compressing = false;
+    /// Present only when compressing; writes into the caller's stream.
+    std::unique_ptr<Poco::DeflatingOutputStream> _deflater;
+    /// What the writers print to: over the caller's buffer, or the deflater's.
+    std::ostream _out;
+    int _lastErrorCode = 0;
+    std::string _lastErrorText;
+    bool _pretty;
+    bool _useNames;
+    std::deque<OpenMarkup> _openMarkups;
+    int _arrayMarkers = 0;
+    bool _quoteValues = false;
+    /// For the JSON writer: whether the next member needs no separating comma.
+    bool _first = true;
+
+private:
+    void popOpenMarkup();
+
+    static const std::string _bts[BT_MAX];
+};
+
+}  // namespace WS
+}  // namespace BACnet
+}  // namespace TQ

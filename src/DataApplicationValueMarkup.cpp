@@ -1,0 +1,19 @@
+#include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/WS/MarkupFactory.h"
+
+namespace TQ {
+namespace BACnet {
+
+void DataApplicationValue::markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
+                                  BACnetDataType dataType, bool root, int level, bool bitsAsBooleans) const {
+    bool ok = false;
+    std::string text = getText(factory.getUseNames(), dataType, &ok, &factory, bitsAsBooleans);
+    if (!ok) text = "???";
+    const auto baseType =
+        static_cast<WS::MarkupFactory::BaseType>(isNull() ? 0u : static_cast<unsigned>(tag));
+    factory.markup(baseType, name, text, true, arrayMarker, dataType, root, "", 0, "", "", "", false, "", "",
+                   getContextTagAsString(), "", "", "", false, level);
+}
+
+}  // namespace BACnet
+}  // namespace TQ

@@ -1,0 +1,80 @@
+#include "TQ_BACnet/WS/MarkupFactory.h"
+
+#include <Poco/NumberParser.h>
+
+namespace TQ {
+namespace BACnet {
+namespace WS {
+
+// clang-format off
+const std::string MarkupFactory::_bts[BT_MAX] = {
+    "Null", "Boolean", "Unsigned", "Integer", "Real", "Double",                          //  0
+    "OctetString", "String", "BitString", "Enumerated", "Date", "Time",                  //  6
+    "ObjectIdentifier", "DatePattern", "DateTime", "DateTimePattern", "TimePattern",     // 12
+    "StringSet", "Object", "Interface", "Composition", "List", "Sequence",               // 17
+    "Array", "SequenceOf", "Choice", "Any", "Link", "Collection", "Tag",                 // 23
+    "ObjectIdentifierPattern", "WeekNDay", "NamedValues", "MemberTypeDefinition",        // 30
+    "Choices", "NamedBits", "Bit", "Composition"};                                       // 34
+// clang-format on
+
+namespace {
+
+// Categories shown by default: value, extensions, change, mutability, doc and types for
+// collections; value, extensions, encoding, ui and links for everything else.
+constexpr unsigned int kCollectionCategories = 0x44F;
+constexpr unsigned int kValueCategories = 0x193;
+
+}  // namespace
+
+const std::string& MarkupFactory::getBaseTypeName(BaseType baseType) {
+    static const std::string none;
+    return baseType < BT_MAX ? _bts[baseType] : none;
+}
+
+bool MarkupFactory::isNumeric(BaseType baseType, const std::string& value) {
+    if (baseType >= BT_BOOLEAN && baseType <= BT_DOUBLE) return true;
+    if (baseType != BT_ENUMERATED) return false;
+    unsigned int number = 0;
+    return Poco::NumberParser::tryParseUnsigned(value, number, ',');
+}
+
+bool MarkupFactory::isCollection(BaseType baseType) {
+    return baseType == BT_LIST || baseType == BT_ARRAY || baseType == BT_SEQUENCE_OF;
+}
+
+unsigned int MarkupFactory::initArrayIdx(unsigned int arrayIndex) {
+    return (arrayIndex == 0 || arrayIndex == 0xFFFFFFFFu) ? 1 : arrayIndex;
+}
+
+std::string MarkupFactory::arrayIndexAsString(unsigned int arrayIndex) {
+    return arrayIndex == 0 ? std::string() : std::to_string(arrayIndex);
+}
+
+Metadata MarkupFactory::getMetadataFromBaseType(BaseType baseType) {
+    return Metadata(isCollection(baseType) ? kCollectionCategories : kValueCategories);
+}
+
+bool MarkupFactory::shouldValueBeVisibleForBaseType(BaseType baseType) const {
+    switch (baseType) {
+        case BT_OBJECT:
+        case BT_COMPOSITION:
+        case BT_LIST:
+        case BT_SEQUENCE:
+        case BT_ARRAY:
+        case BT_SEQUENCE_OF:
+        case BT_CHOICE:
+        case BT_COLLECTION:
+        case BT_NAMED_VALUES:
+        case BT_MEMBER_TYPE_DEFINITION:
+        case BT_CHOICES:
+        case BT_NAMED_BITS:
+        case BT_COMPOSITION_2:
+            return false;
+        default:
+            return true;
+    }
+}
+
+}  // namespace WS
+}  // namespace BACnet
+}  // namespace TQ
