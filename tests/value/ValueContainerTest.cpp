@@ -238,6 +238,9 @@ TEST_F(ValueContainerDecode, constructedValuesDecodeIntoTheirClasses) {
     TQ::Utility::OctetBuffer encoded;
     EXPECT_EQ(9, c.encode2(encoded));
     EXPECT_EQ("09553E4441AC00003F", encoded.getHexString(false));
+    // Its extent as the catalogue-guided decoder sees it; no value at all is told apart.
+    EXPECT_EQ(9, any.getValueLength());
+    EXPECT_EQ(-202, BN::DataType::ANY(list, nullptr, 0).getValueLength());
 }
 
 TEST_F(ValueContainerDecode, logRecordsGiveTheTimeOfTheLastOne) {
