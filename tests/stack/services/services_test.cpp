@@ -1,12 +1,12 @@
-// Behaviour of the service codecs beyond the published examples: optional elements, limits,
-// sizing with a NULL buffer, the room checks of the encoders and the APDU header variants.
+// The service codecs: the published example encodings byte for byte in both directions (their
+// headers carry their own max-APDU codes; ours, 1476 octets or code 5, differ only in that octet),
+// then optional elements, limits, the room checks of the encoders and the APDU header variants.
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <tuple>
-#include <vector>
 
-#include "hex.h"
+#include "../test_support.h"
 #include "tq_stack/apdu.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/iam.h"
@@ -19,84 +19,204 @@
 // The umbrella must compile on its own next to the single headers.
 #include "tq_stack/stack.h"
 
-using namespace svc_test;
+using namespace tq_test;
 
-TEST(ApduHeaders, ConfirmedSegmentedAndCodes) {
+namespace {
+
+void headerBothWays(const char* example, uint8_t maxApduCode, uint8_t invokeId, uint8_t service) {
     BACNET_CONFIRMED_SERVICE_DATA h{};
-    h.segmented_message = true;
-    h.more_follows = true;
-    h.segmented_response_accepted = true;
+    h.max_apdu_code = maxApduCode;
+    h.invoke_id = invokeId;
+    h.service_choice = service;
+    bothWays(example, h, RECORD_ENCODER(apdu_encode_confirmed_header),
+             RECORD_DECODER(apdu_decode_confirmed_header));
+}
+
+// An example request as our own encoder sends it: max-APDU code 5.
+std::string ours(const char* example) {
+    Bytes b = bytes(example);
+    b[1] = 0x05;
+    return hex(b);
+}
+
+}  // namespace
+
+TEST(AnnexExamples, ReadPropertyRequestAndAck) {
+    // ReadProperty of analog-input 5 present-value, invoke id 1; the answer 72.3.
+    BACNET_READ_PROPERTY_DATA rp = rpData(OBJECT_ANALOG_INPUT, 5, PROP_PRESENT_VALUE);
+    headerBothWays("00 00 01 0C", 0, 1, SERVICE_CONFIRMED_READ_PROPERTY);
+    EXPECT_EQ(50u, apdu_max_apdu_octets(0));
+    bothWays("0C 00 00 00 05 19 55", rp, RECORD_ENCODER(rp_encode_service_request),
+             RECORD_DECODER(rp_decode_service_request));
+    EXPECT_EQ(ours("00 00 01 0C 0C 00 00 00 05 19 55"), ENCODED_HEX(rp_encode_apdu(p, 1, &rp)));
+
+    const uint8_t real723[] = {0x44, 0x42, 0x90, 0x99, 0x9A};
+    rp.application_data = real723;
+    rp.application_data_len = sizeof real723;
+    EXPECT_EQ("30 01 0C 0C 00 00 00 05 19 55 3E 44 42 90 99 9A 3F",
+              ENCODED_HEX(rp_ack_encode_apdu(p, 1, &rp)));
+    uint8_t invokeId = 0, service = 0;
+    bool segmented = true;
+    ASSERT_EQ(3, DECODED("30 01 0C", apdu_decode_complex_ack_header(p, n, &invokeId, &service, &segmented)));
+    EXPECT_EQ(std::make_tuple(1, int(SERVICE_CONFIRMED_READ_PROPERTY), false),
+              std::make_tuple(int(invokeId), int(service), segmented));
+    const char* ackBody = "0C 00 00 00 05 19 55 3E 44 42 90 99 9A 3F";
+    bothWays(ackBody, rp, RECORD_ENCODER(rp_ack_encode_service_request),
+             RECORD_DECODER(rp_ack_decode_service_request));
+    // The decoded value points into the buffer rather than being copied.
+    ExactBuffer body(ackBody);
+    BACNET_READ_PROPERTY_DATA ack{};
+    ASSERT_EQ(int(body.size()), rp_ack_decode_service_request(body.data(), body.size(), &ack));
+    EXPECT_EQ(std::make_tuple(body.data() + 8, 5),
+              std::make_tuple(ack.application_data, ack.application_data_len));
+}
+
+TEST(AnnexExamples, WritePropertyRequestAndSimpleAck) {
+    // WriteProperty analog-value 1 present-value 180.0, invoke id 89, no priority.
+    BACNET_WRITE_PROPERTY_DATA wp{};
+    wp.object_type = OBJECT_ANALOG_VALUE;
+    wp.object_instance = 1;
+    wp.object_property = PROP_PRESENT_VALUE;
+    wp.array_index = BACNET_ARRAY_ALL;
+    wp.application_data_len = encode_application_real(wp.application_data, 180.0f);
+    headerBothWays("00 04 59 0F", 4, 0x59, SERVICE_CONFIRMED_WRITE_PROPERTY);
+    bothWays("0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F", wp, RECORD_ENCODER(wp_encode_service_request),
+             RECORD_DECODER(wp_decode_service_request));
+
+    EXPECT_EQ("20 59 0F", ENCODED_HEX(apdu_encode_simple_ack(p, 0x59, 15)));
+    uint8_t id = 0, service = 0;
+    EXPECT_EQ(3, DECODED("20 59 0F", apdu_decode_simple_ack(p, n, &id, &service)));
+    EXPECT_EQ(std::make_tuple(0x59, 15), std::make_tuple(int(id), int(service)));
+}
+
+TEST(AnnexExamples, ReadPropertyMultipleWithValuesAndPropertyError) {
+    // analog-input 16: present-value and reliability; answered 72.3 and no-fault-detected.
+    BACNET_PROPERTY_REFERENCE reliability = propertyRef(PROP_RELIABILITY, nullptr);
+    BACNET_PROPERTY_REFERENCE presentValue = propertyRef(PROP_PRESENT_VALUE, &reliability);
+    BACNET_READ_ACCESS_DATA rad{OBJECT_ANALOG_INPUT, 16, &presentValue, nullptr};
+    EXPECT_EQ(ours("00 04 F1 0E 0C 00 00 00 10 1E 09 55 09 67 1F"),
+              ENCODED_HEX(rpm_encode_apdu(p, MAX_APDU, 0xF1, &rad)));
+    ExactBuffer ack("0C 00 00 00 10 1E 29 55 4E 44 42 90 99 9A 4F 29 67 4E 91 00 4F 1F");
+    BACNET_READ_ACCESS_DATA result;
+    ASSERT_EQ(int(ack.size()), rpm_ack_decode_service_request(ack.data(), ack.size(), &result));
+    EXPECT_EQ("0,16: 85=(r72.3) 103=(e0)", describe(&result));  // analog-input 16, REAL, ENUMERATED
+    rpm_ack_free_all(&result);
+    EXPECT_EQ(nullptr, result.listOfProperties);
+
+    // analog-input 33 and analog-input 50; the second does not exist.
+    BACNET_PROPERTY_REFERENCE pv1 = propertyRef(PROP_PRESENT_VALUE, nullptr), pv2 = pv1;
+    BACNET_READ_ACCESS_DATA second{OBJECT_ANALOG_INPUT, 50, &pv2, nullptr};
+    BACNET_READ_ACCESS_DATA first{OBJECT_ANALOG_INPUT, 33, &pv1, &second};
+    EXPECT_EQ(ours("00 04 02 0E 0C 00 00 00 21 1E 09 55 1F 0C 00 00 00 32 1E 09 55 1F"),
+              ENCODED_HEX(rpm_encode_apdu(p, MAX_APDU, 2, &first)));
+    ExactBuffer errorAck(
+        "0C 00 00 00 21 1E 29 55 4E 44 42 29 33 33 4F 1F 0C 00 00 00 32 1E 29 55 5E 91 01 91 1F 5F 1F");
+    ASSERT_EQ(int(errorAck.size()),
+              rpm_ack_decode_service_request(errorAck.data(), errorAck.size(), &result));
+    EXPECT_EQ("0,33: 85=(r42.3); 0,50: 85=!1,31", describe(&result));  // object / unknown-object
+    rpm_ack_free_all(&result);
+    EXPECT_EQ(nullptr, result.next);
+}
+
+TEST(AnnexExamples, ReadRangeByTimeAndAck) {
+    // trend-log 1 log-buffer from 1998-03-23 19:52:34.00, 4 records; two come back.
+    BACNET_READ_RANGE_DATA rr{};
+    rr.object_type = OBJECT_TREND_LOG;
+    rr.object_instance = 1;
+    rr.object_property = PROP_LOG_BUFFER;
+    rr.array_index = BACNET_ARRAY_ALL;
+    rr.request_type = RR_BY_TIME;
+    rr.range.ref_time = BACNET_DATE_TIME{{1998, 3, 23, 1}, {19, 52, 34, 0}};
+    rr.count = 4;
+    headerBothWays("00 02 01 1A", 2, 1, SERVICE_CONFIRMED_READ_RANGE);
+    bothWays("0C 05 00 00 01 19 83 7E A4 62 03 17 01 B4 13 34 22 00 31 04 7F", rr,
+             RECORD_ENCODER(rr_encode_service_request), RECORD_DECODER(rr_decode_service_request));
+
+    const std::string records =
+        "0E A4 62 03 17 01 B4 13 34 22 00 0F 1E 2C 41 90 00 00 1F 2A 04 00"
+        " 0E A4 62 03 17 01 B4 13 35 22 00 0F 1E 2C 41 90 00 00 1F 2A 04 00";
+    const Bytes recordBytes = bytes(records);
+    rr.result_flags.bits_used = 3;
+    rr.result_flags.value[0] = 0xC0;  // first and last item
+    rr.item_count = 2;
+    rr.first_sequence = 79;
+    rr.application_data = recordBytes.data();
+    rr.application_data_len = int(recordBytes.size());
+    const std::string ackBody = "0C 05 00 00 01 19 83 3A 05 C0 49 02 5E " + records + " 5F 69 4F";
+    EXPECT_EQ("30 01 1A " + ackBody, ENCODED_HEX(rr_ack_encode_apdu(p, 1, &rr)));
+    ExactBuffer ack(ackBody);
+    BACNET_READ_RANGE_DATA back{};
+    ASSERT_EQ(int(ack.size()), rr_ack_decode_service_request(ack.data(), ack.size(), &back));
+    EXPECT_EQ(std::make_tuple(3, 0xC0, 2u, 79u, int(recordBytes.size())),
+              std::make_tuple(int(back.result_flags.bits_used), int(back.result_flags.value[0]),
+                              back.item_count, back.first_sequence, back.application_data_len));
+    EXPECT_EQ(0, std::memcmp(recordBytes.data(), back.application_data, recordBytes.size()));
+}
+
+TEST(AnnexExamples, ErrorPdu) {
+    // ReadProperty answered with property / unknown-property.
+    EXPECT_EQ("50 01 0C 91 02 91 20",
+              ENCODED_HEX(apdu_encode_error(p, 1, SERVICE_CONFIRMED_READ_PROPERTY, ERROR_CLASS_PROPERTY,
+                                            ERROR_CODE_UNKNOWN_PROPERTY)));
+    uint8_t id = 0, service = 0;
+    BACNET_ERROR_CLASS cls = ERROR_CLASS_DEVICE;
+    BACNET_ERROR_CODE code = ERROR_CODE_OTHER;
+    EXPECT_EQ(7, DECODED("50 01 0C 91 02 91 20", apdu_decode_error(p, n, &id, &service, &cls, &code)));
+    EXPECT_EQ(std::make_tuple(1, int(SERVICE_CONFIRMED_READ_PROPERTY), ERROR_CLASS_PROPERTY,
+                              ERROR_CODE_UNKNOWN_PROPERTY),
+              std::make_tuple(int(id), int(service), cls, code));
+    EXPECT_EQ(BACNET_STATUS_ERROR,
+              DECODED("50 01 0C 91 02 91", apdu_decode_error(p, n, &id, &service, &cls, &code)));
+}
+
+TEST(ApduHeaders, SegmentedConfirmedAckRejectAbortAndCodes) {
+    BACNET_CONFIRMED_SERVICE_DATA h{};
+    h.segmented_message = h.more_follows = h.segmented_response_accepted = true;
     h.max_segs_code = 7;
     h.max_apdu_code = 5;
     h.invoke_id = 200;
     h.sequence_number = 3;
     h.proposed_window_size = 16;
     h.service_choice = SERVICE_CONFIRMED_READ_PROP_MULTIPLE;
-    const auto bytesOut = encoded([&](uint8_t* p) { return apdu_encode_confirmed_header(p, &h); });
-    EXPECT_EQ("0E 75 C8 03 10 0E", hex(bytesOut));
-    EXPECT_EQ(6, apdu_encode_confirmed_header(nullptr, &h));
-    BACNET_CONFIRMED_SERVICE_DATA back{};
-    ASSERT_EQ(6, apdu_decode_confirmed_header(bytesOut.data(), 6, &back));
-    EXPECT_TRUE(back.segmented_message && back.more_follows && back.segmented_response_accepted);
-    EXPECT_EQ(std::make_tuple(7, 200, 3, 16, int(SERVICE_CONFIRMED_READ_PROP_MULTIPLE)),
-              std::make_tuple(int(back.max_segs_code), int(back.invoke_id), int(back.sequence_number),
-                              int(back.proposed_window_size), int(back.service_choice)));
+    bothWays("0E 75 C8 03 10 0E", h, RECORD_ENCODER(apdu_encode_confirmed_header),
+             RECORD_DECODER(apdu_decode_confirmed_header));
     // A segmented header cut short, and a PDU of another type.
-    EXPECT_EQ(BACNET_STATUS_ERROR, apdu_decode_confirmed_header(bytesOut.data(), 5, &back));
-    const uint8_t unconfirmed[] = {0x10, 0x08, 0x00, 0x00};
-    EXPECT_EQ(BACNET_STATUS_ERROR, apdu_decode_confirmed_header(unconfirmed, 4, &back));
-
-    EXPECT_EQ(std::make_pair(1476u, 0u), std::make_pair(apdu_max_apdu_octets(5), apdu_max_apdu_octets(6)));
+    for (const char* bad : {"0E 75 C8 03 10", "10 08 00 00"})
+        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(bad, apdu_decode_confirmed_header(p, n, &h))) << bad;
+    EXPECT_EQ(std::make_tuple(1476u, 0u), std::make_tuple(apdu_max_apdu_octets(5), apdu_max_apdu_octets(6)));
     EXPECT_EQ(std::make_tuple(5, 5, 4, 0),
               std::make_tuple(int(apdu_max_apdu_code(1476)), int(apdu_max_apdu_code(60000)),
                               int(apdu_max_apdu_code(1475)), int(apdu_max_apdu_code(10))));
-
-    // Segmented complex ACK: reported, service choice taken from its own position.
-    const uint8_t segmentedAck[] = {0x3C, 0x07, 0x00, 0x04, 0x0E};
-    uint8_t id = 0, service = 0;
-    bool segmented = false;
-    EXPECT_EQ(5, apdu_decode_complex_ack_header(segmentedAck, 5, &id, &service, &segmented));
-    EXPECT_TRUE(segmented);
-    EXPECT_EQ(SERVICE_CONFIRMED_READ_PROP_MULTIPLE, service);
+    // A segmented complex ACK is reported, its service choice taken from its own position.
+    uint8_t id = 0, service = 0, reason = 0;
+    bool segmented = false, server = false;
+    EXPECT_EQ(5, DECODED("3C 07 00 04 0E", apdu_decode_complex_ack_header(p, n, &id, &service, &segmented)));
+    EXPECT_EQ(std::make_tuple(true, uint8_t(SERVICE_CONFIRMED_READ_PROP_MULTIPLE)),
+              std::make_tuple(segmented, service));
     EXPECT_EQ(BACNET_STATUS_ERROR,
-              apdu_decode_complex_ack_header(segmentedAck, 4, &id, &service, &segmented));
+              DECODED("3C 07 00 04", apdu_decode_complex_ack_header(p, n, &id, &service, &segmented)));
 
-    const auto reject =
-        encoded([](uint8_t* p) { return apdu_encode_reject(p, 9, REJECT_REASON_INVALID_TAG); });
-    EXPECT_EQ("60 09 04", hex(reject));
-    const auto abortPdu = encoded([](uint8_t* p) { return apdu_encode_abort(p, 9, 4, true); });
-    EXPECT_EQ("71 09 04", hex(abortPdu));
-    uint8_t reason = 0;
-    bool server = false;
-    EXPECT_EQ(3, apdu_decode_abort(abortPdu.data(), 3, &id, &reason, &server));
+    EXPECT_EQ("60 09 04", ENCODED_HEX(apdu_encode_reject(p, 9, REJECT_REASON_INVALID_TAG)));
+    EXPECT_EQ("71 09 04", ENCODED_HEX(apdu_encode_abort(p, 9, 4, true)));
+    EXPECT_EQ(3, DECODED("71 09 04", apdu_decode_abort(p, n, &id, &reason, &server)));
     EXPECT_TRUE(server);
-    EXPECT_EQ(BACNET_STATUS_ERROR, apdu_decode_reject(abortPdu.data(), 3, &id, &reason));
-    EXPECT_EQ(3, apdu_decode_reject(reject.data(), 3, &id, &reason));
+    EXPECT_EQ(BACNET_STATUS_ERROR, DECODED("71 09 04", apdu_decode_reject(p, n, &id, &reason)));
+    reason = 0;
+    EXPECT_EQ(3, DECODED("60 09 04", apdu_decode_reject(p, n, &id, &reason)));
     EXPECT_EQ(4, reason);
 }
 
-TEST(ReadPropertyCodec, ArrayIndexLimitsAndRoom) {
-    BACNET_READ_PROPERTY_DATA rp{};
-    rp.object_type = OBJECT_DEVICE;
-    rp.object_instance = BACNET_MAX_INSTANCE;
-    rp.object_property = PROP_OBJECT_LIST;
+TEST(ReadPropertyCodec, IndexesLimitsRoomAndAckValues) {
+    BACNET_READ_PROPERTY_DATA rp = rpData(OBJECT_DEVICE, BACNET_MAX_INSTANCE, PROP_OBJECT_LIST);
     rp.array_index = 0x12345678;
-    const auto apdu = encoded([&](uint8_t* p) { return rp_encode_apdu(p, 7, &rp); });
-    EXPECT_EQ("00 05 07 0C 0C 02 3F FF FF 19 4C 2C 12 34 56 78", hex(apdu));
-    BACNET_READ_PROPERTY_DATA back{};
-    ASSERT_EQ(int(apdu.size() - 4),
-              rp_decode_service_request(apdu.data() + 4, uint32_t(apdu.size() - 4), &back));
-    EXPECT_EQ(std::make_tuple(OBJECT_DEVICE, uint32_t(BACNET_MAX_INSTANCE), 0x12345678u),
-              std::make_tuple(back.object_type, back.object_instance, back.array_index));
-
+    EXPECT_EQ("00 05 07 0C 0C 02 3F FF FF 19 4C 2C 12 34 56 78", ENCODED_HEX(rp_encode_apdu(p, 7, &rp)));
+    bothWays("0C 02 3F FF FF 19 4C 2C 12 34 56 78", rp, RECORD_ENCODER(rp_encode_service_request),
+             RECORD_DECODER(rp_decode_service_request));
     // Proprietary property numbers take more octets.
     rp.object_property = BACNET_PROPERTY_ID(4194303);
     rp.array_index = BACNET_ARRAY_ALL;
-    const auto wide = encoded([&](uint8_t* p) { return rp_encode_apdu(p, 7, &rp); });
-    ASSERT_GT(rp_decode_service_request(wide.data() + 4, uint32_t(wide.size() - 4), &back), 0);
-    EXPECT_EQ(BACNET_PROPERTY_ID(4194303), back.object_property);
-    EXPECT_EQ(BACNET_ARRAY_ALL, back.array_index);
-
+    bothWays("0C 02 3F FF FF 1B 3F FF FF", rp, RECORD_ENCODER(rp_encode_service_request),
+             RECORD_DECODER(rp_decode_service_request));
     // Invalid references never reach the wire.
     rp.object_instance = BACNET_MAX_INSTANCE + 1;
     EXPECT_EQ(BACNET_STATUS_ERROR, rp_encode_apdu(nullptr, 1, &rp));
@@ -107,48 +227,37 @@ TEST(ReadPropertyCodec, ArrayIndexLimitsAndRoom) {
 
     // An acknowledgement must fit one APDU: 1476 octets in all.
     rp.object_type = OBJECT_ANALOG_INPUT;
-    std::vector<uint8_t> value(MAX_APDU, 0x00);  // NULLs
-    rp.application_data = value.data();
-    const int overhead = rp_ack_encode_apdu(nullptr, 1, &rp) - 0;  // with length 0
-    rp.application_data_len = MAX_APDU - overhead;
-    EXPECT_EQ(MAX_APDU, rp_ack_encode_apdu(nullptr, 1, &rp));
-    std::vector<uint8_t> out(MAX_APDU);
-    EXPECT_EQ(MAX_APDU, rp_ack_encode_apdu(out.data(), 1, &rp));
-    rp.application_data_len += 1;
-    EXPECT_EQ(BACNET_STATUS_ERROR, rp_ack_encode_apdu(nullptr, 1, &rp));
-    rp.application_data_len = -1;
-    EXPECT_EQ(BACNET_STATUS_ERROR, rp_ack_encode_apdu(nullptr, 1, &rp));
+    const Bytes nulls(MAX_APDU, 0x00);
+    rp.application_data = nulls.data();
+    rp.application_data_len = MAX_APDU - rp_ack_encode_apdu(nullptr, 1, &rp);
+    EXPECT_EQ(size_t(MAX_APDU), encoded([&](uint8_t* p) { return rp_ack_encode_apdu(p, 1, &rp); }).size());
+    for (int bad : {rp.application_data_len + 1, -1}) {
+        rp.application_data_len = bad;
+        EXPECT_EQ(BACNET_STATUS_ERROR, rp_ack_encode_apdu(nullptr, 1, &rp)) << bad;
+    }
     rp.application_data = nullptr;
     rp.application_data_len = 3;
     EXPECT_EQ(BACNET_STATUS_ERROR, rp_ack_encode_apdu(nullptr, 1, &rp));
-}
 
-TEST(ReadPropertyCodec, AckWithNestedValueAndEmptyValue) {
-    // A constructed value (a date-time between tags) stays as it is; the tags inside balance.
-    const auto ack = bytes("0C 00 00 00 01 19 55 3E 0E A4 7C 01 02 03 B4 01 02 03 04 0F 3F");
+    // A constructed value (a date-time between tags) stays as it is; an empty list is legal.
     BACNET_READ_PROPERTY_DATA d{};
-    ASSERT_EQ(int(ack.size()), rp_ack_decode_service_request(ack.data(), uint32_t(ack.size()), &d));
-    EXPECT_EQ(12, d.application_data_len);
-    EXPECT_EQ(0x0E, d.application_data[0]);
-    // An empty value (an empty list) is legal.
-    const auto empty = bytes("0C 00 00 00 01 19 55 3E 3F");
-    ASSERT_EQ(int(empty.size()), rp_ack_decode_service_request(empty.data(), uint32_t(empty.size()), &d));
-    EXPECT_EQ(0, d.application_data_len);
-    // Round trip of our own encoding with an index.
-    BACNET_READ_PROPERTY_DATA rp{};
-    rp.object_type = OBJECT_ANALOG_OUTPUT;
-    rp.object_instance = 77;
-    rp.object_property = PROP_PRIORITY_ARRAY;
+    for (const auto& [h, length] :
+         {std::make_pair("0C 00 00 00 01 19 55 3E 0E A4 7C 01 02 03 B4 01 02 03 04 0F 3F", 12),
+          std::make_pair("0C 00 00 00 01 19 55 3E 3F", 0)}) {
+        ExactBuffer buf(h);
+        ASSERT_EQ(int(buf.size()), rp_ack_decode_service_request(buf.data(), buf.size(), &d)) << h;
+        EXPECT_EQ(length, d.application_data_len) << h;
+        if (length) {
+            EXPECT_EQ(0x0E, d.application_data[0]);
+        }
+    }
+    rp = rpData(OBJECT_ANALOG_OUTPUT, 77, PROP_PRIORITY_ARRAY);
     rp.array_index = 16;
-    const uint8_t nul = 0x00;
-    rp.application_data = &nul;
+    rp.application_data = nulls.data();
     rp.application_data_len = 1;
-    const auto out = encoded([&](uint8_t* p) { return rp_ack_encode_apdu(p, 200, &rp); });
-    EXPECT_EQ("30 C8 0C 0C 00 40 00 4D 19 57 29 10 3E 00 3F", hex(out));
-    ASSERT_EQ(int(out.size() - 3),
-              rp_ack_decode_service_request(out.data() + 3, uint32_t(out.size() - 3), &d));
-    EXPECT_EQ(16u, d.array_index);
-    EXPECT_EQ(1, d.application_data_len);
+    EXPECT_EQ("30 C8 0C 0C 00 40 00 4D 19 57 29 10 3E 00 3F", ENCODED_HEX(rp_ack_encode_apdu(p, 200, &rp)));
+    bothWays("0C 00 40 00 4D 19 57 29 10 3E 00 3F", rp, RECORD_ENCODER(rp_ack_encode_service_request),
+             RECORD_DECODER(rp_ack_decode_service_request));
 }
 
 TEST(WritePropertyCodec, PriorityIndexAndValidation) {
@@ -157,80 +266,67 @@ TEST(WritePropertyCodec, PriorityIndexAndValidation) {
     wp.object_instance = 3;
     wp.object_property = PROP_PRESENT_VALUE;
     wp.array_index = BACNET_ARRAY_ALL;
-    wp.application_data[0] = 0x91;  // enumerated active
-    wp.application_data[1] = 0x01;
-    wp.application_data_len = 2;
+    wp.application_data_len = encode_application_enumerated(wp.application_data, 1);  // active
     wp.priority = 8;
-    const auto apdu = encoded([&](uint8_t* p) { return wp_encode_apdu(p, 12, &wp); });
-    EXPECT_EQ("00 05 0C 0F 0C 01 00 00 03 19 55 3E 91 01 3F 49 08", hex(apdu));
-    EXPECT_EQ(int(apdu.size()), wp_encode_apdu(nullptr, 12, &wp));
+    EXPECT_EQ("00 05 0C 0F 0C 01 00 00 03 19 55 3E 91 01 3F 49 08", ENCODED_HEX(wp_encode_apdu(p, 12, &wp)));
+    bothWays("0C 01 00 00 03 19 55 3E 91 01 3F 49 08", wp, RECORD_ENCODER(wp_encode_service_request),
+             RECORD_DECODER(wp_decode_service_request));
+    // With an array index and a constructed value.
+    wp.array_index = 5;
+    wp.application_data_len = int(bytes("0E 21 01 0F").size());
+    std::memcpy(wp.application_data, bytes("0E 21 01 0F").data(), 4);
+    wp.priority = BACNET_NO_PRIORITY;
+    bothWays("0C 01 00 00 03 19 55 29 05 3E 0E 21 01 0F 3F", wp, RECORD_ENCODER(wp_encode_service_request),
+             RECORD_DECODER(wp_decode_service_request));
 
+    // Priorities outside 1..16 on the wire are rejected with the reason in the record; an empty value
+    // between the tags is not a write.
     BACNET_WRITE_PROPERTY_DATA back{};
-    ASSERT_EQ(int(apdu.size() - 4),
-              wp_decode_service_request(apdu.data() + 4, uint32_t(apdu.size() - 4), &back));
-    EXPECT_EQ(std::make_tuple(8, 2, 0x91),
-              std::make_tuple(int(back.priority), back.application_data_len, int(back.application_data[0])));
+    for (const char* h :
+         {"0C 01 00 00 03 19 55 3E 91 01 3F 49 11", "0C 01 00 00 03 19 55 3E 91 01 3F 49 00"}) {
+        back.error_class = ERROR_CLASS_DEVICE;
+        EXPECT_EQ(BACNET_STATUS_REJECT, DECODED(h, wp_decode_service_request(p, n, &back))) << h;
+        EXPECT_EQ(std::make_tuple(ERROR_CLASS_SERVICES, ERROR_CODE_PARAMETER_OUT_OF_RANGE),
+                  std::make_tuple(back.error_class, back.error_code));
+    }
+    EXPECT_EQ(BACNET_STATUS_ERROR,
+              DECODED("0C 01 00 00 03 19 55 3E 3F", wp_decode_service_request(p, n, &back)));
 
-    // Priorities outside 1..16 on the wire are rejected with the reason in the record.
-    auto bad = apdu;
-    bad.back() = 17;
-    back.error_class = ERROR_CLASS_DEVICE;
-    EXPECT_EQ(BACNET_STATUS_REJECT,
-              wp_decode_service_request(bad.data() + 4, uint32_t(bad.size() - 4), &back));
-    EXPECT_EQ(ERROR_CLASS_SERVICES, back.error_class);
-    EXPECT_EQ(ERROR_CODE_PARAMETER_OUT_OF_RANGE, back.error_code);
-    bad.back() = 0;
-    EXPECT_EQ(BACNET_STATUS_REJECT,
-              wp_decode_service_request(bad.data() + 4, uint32_t(bad.size() - 4), &back));
-
-    // Encoder checks: priority, empty value, oversize.
+    // Encoder checks: priority, empty value, oversize; the largest value fills one APDU exactly.
     wp.priority = 17;
     EXPECT_EQ(BACNET_STATUS_ERROR, wp_encode_apdu(nullptr, 1, &wp));
     wp.priority = 0;
-    wp.application_data_len = 0;
-    EXPECT_EQ(BACNET_STATUS_ERROR, wp_encode_apdu(nullptr, 1, &wp));
-    wp.application_data_len = MAX_APDU;
-    EXPECT_EQ(BACNET_STATUS_ERROR, wp_encode_apdu(nullptr, 1, &wp));
+    wp.array_index = BACNET_ARRAY_ALL;
+    for (int bad : {0, MAX_APDU}) {
+        wp.application_data_len = bad;
+        EXPECT_EQ(BACNET_STATUS_ERROR, wp_encode_apdu(nullptr, 1, &wp)) << bad;
+    }
     wp.application_data_len = MAX_APDU - 4 - 9;  // header, object, property, tags
     std::memset(wp.application_data, 0, size_t(wp.application_data_len));
     EXPECT_EQ(MAX_APDU, wp_encode_apdu(nullptr, 1, &wp));
-
-    // An empty value between the tags is not a write.
-    const auto noValue = bytes("0C 01 00 00 03 19 55 3E 3F");
-    EXPECT_EQ(BACNET_STATUS_ERROR,
-              wp_decode_service_request(noValue.data(), uint32_t(noValue.size()), &back));
-    // With an array index and a constructed value.
-    const auto indexed = bytes("0C 01 00 00 03 19 57 29 05 3E 0E 21 01 0F 3F");
-    ASSERT_EQ(int(indexed.size()),
-              wp_decode_service_request(indexed.data(), uint32_t(indexed.size()), &back));
-    EXPECT_EQ(std::make_tuple(5u, int(BACNET_NO_PRIORITY), 4),
-              std::make_tuple(back.array_index, int(back.priority), back.application_data_len));
 }
 
 TEST(ReadPropertyMultipleCodec, RequestRoomAndValidation) {
-    BACNET_PROPERTY_REFERENCE all{};
-    all.propertyIdentifier = PROP_PRIORITY_ARRAY;
-    all.propertyArrayIndex = 3;
+    BACNET_PROPERTY_REFERENCE all = propertyRef(PROP_PRIORITY_ARRAY, nullptr, 3);
     BACNET_READ_ACCESS_DATA rad{OBJECT_ANALOG_OUTPUT, 1, &all, nullptr};
-    const auto apdu = encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 5, &rad); });
+    const Bytes apdu = encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 5, &rad); });
     EXPECT_EQ("00 05 05 0E 0C 00 40 00 01 1E 09 57 19 03 1F", hex(apdu));
-    // Exactly enough room, one octet short.
-    std::vector<uint8_t> buf(apdu.size());
+    // Exactly enough room, and one octet short.
+    Bytes buf(apdu.size());
     EXPECT_EQ(int(apdu.size()), rpm_encode_apdu(buf.data(), unsigned(apdu.size()), 5, &rad));
     EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(buf.data(), unsigned(apdu.size() - 1), 5, &rad));
     // A record without properties or with a bad instance.
     BACNET_READ_ACCESS_DATA empty{OBJECT_ANALOG_OUTPUT, 1, nullptr, nullptr};
-    EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(nullptr, MAX_APDU, 5, &empty));
     BACNET_READ_ACCESS_DATA badInstance{OBJECT_ANALOG_OUTPUT, BACNET_MAX_INSTANCE + 1, &all, nullptr};
-    EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(nullptr, MAX_APDU, 5, &badInstance));
-    EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(nullptr, MAX_APDU, 5, nullptr));
+    for (BACNET_READ_ACCESS_DATA* bad : {&empty, &badInstance, (BACNET_READ_ACCESS_DATA*)nullptr})
+        EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(nullptr, MAX_APDU, 5, bad));
     // Many objects overflow a 1476-octet APDU; the encoder stops without writing past max_apdu.
     std::vector<BACNET_READ_ACCESS_DATA> many(200, rad);
     for (size_t i = 0; i + 1 < many.size(); ++i) many[i].next = &many[i + 1];
-    std::vector<uint8_t> big(MAX_APDU + 16, 0xEE);
+    EXPECT_EQ(4 + 200 * 11, rpm_encode_apdu(nullptr, MAX_APDU, 5, &many[0]));
+    Bytes big(MAX_APDU + 16, 0xEE);
     EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(big.data(), MAX_APDU, 5, &many[0]));
     EXPECT_EQ(0xEE, big[MAX_APDU]);
-    EXPECT_EQ(4 + 200 * 11, rpm_encode_apdu(nullptr, MAX_APDU, 5, &many[0]));
     // A cyclic chain does not hang the sizing pass.
     many.back().next = &many[0];
     EXPECT_EQ(BACNET_STATUS_ERROR, rpm_encode_apdu(nullptr, MAX_APDU, 5, &many[0]));
@@ -245,34 +341,24 @@ TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
     rr.request_type = RR_BY_POSITION;
     rr.range.ref_index = 1;
     rr.count = 1;  // the default range: first item, one item
-    EXPECT_EQ("00 05 01 1A 0C 05 00 00 02 19 83 3E 21 01 31 01 3F",
-              hex(encoded([&](uint8_t* p) { return rr_encode_apdu(p, 1, &rr); })));
+    EXPECT_EQ("00 05 01 1A 0C 05 00 00 02 19 83 3E 21 01 31 01 3F", ENCODED_HEX(rr_encode_apdu(p, 1, &rr)));
     rr.request_type = RR_BY_SEQUENCE;
     rr.range.ref_seq_num = 0xFFFFFFFF;
     rr.count = -32768;
-    const auto bySeq = encoded([&](uint8_t* p) { return rr_encode_service_request(p, &rr); });
-    EXPECT_EQ("0C 05 00 00 02 19 83 6E 24 FF FF FF FF 32 80 00 6F", hex(bySeq));
-    BACNET_READ_RANGE_DATA back{};
-    ASSERT_EQ(int(bySeq.size()), rr_decode_service_request(bySeq.data(), uint32_t(bySeq.size()), &back));
-    EXPECT_EQ(std::make_tuple(int(RR_BY_SEQUENCE), 0xFFFFFFFFu, -32768),
-              std::make_tuple(int(back.request_type), back.range.ref_seq_num, int(back.count)));
+    bothWays("0C 05 00 00 02 19 83 6E 24 FF FF FF FF 32 80 00 6F", rr,
+             RECORD_ENCODER(rr_encode_service_request), RECORD_DECODER(rr_decode_service_request));
     rr.request_type = RR_READ_ALL;
-    const auto all = encoded([&](uint8_t* p) { return rr_encode_service_request(p, &rr); });
-    EXPECT_EQ("0C 05 00 00 02 19 83", hex(all));
-    ASSERT_EQ(int(all.size()), rr_decode_service_request(all.data(), uint32_t(all.size()), &back));
-    EXPECT_EQ(RR_READ_ALL, back.request_type);
+    bothWays("0C 05 00 00 02 19 83", rr, RECORD_ENCODER(rr_encode_service_request),
+             RECORD_DECODER(rr_decode_service_request));
     rr.request_type = 3;
     EXPECT_EQ(BACNET_STATUS_ERROR, rr_encode_apdu(nullptr, 1, &rr));
     rr.request_type = RR_BY_POSITION;
     rr.count = 40000;
     EXPECT_EQ(BACNET_STATUS_ERROR, rr_encode_apdu(nullptr, 1, &rr));
-    // A count beyond INTEGER16 on the wire.
-    const auto hugeCount = bytes("0C 05 00 00 02 19 83 3E 21 01 33 01 00 00 3F");
-    EXPECT_EQ(BACNET_STATUS_ERROR,
-              rr_decode_service_request(hugeCount.data(), uint32_t(hugeCount.size()), &back));
-    // The deprecated range tag 4 is not accepted.
-    const auto tag4 = bytes("0C 05 00 00 02 19 83 4E 21 01 31 01 4F");
-    EXPECT_EQ(BACNET_STATUS_ERROR, rr_decode_service_request(tag4.data(), uint32_t(tag4.size()), &back));
+    // A count beyond INTEGER16 on the wire; the withdrawn range tag 4.
+    for (const char* bad :
+         {"0C 05 00 00 02 19 83 3E 21 01 33 01 00 00 3F", "0C 05 00 00 02 19 83 4E 21 01 31 01 4F"})
+        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(bad, rr_decode_service_request(p, n, &rr))) << bad;
 
     // By position the acknowledgement carries no first sequence number; an empty result neither.
     rr.request_type = RR_BY_POSITION;
@@ -281,71 +367,84 @@ TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
     rr.result_flags.value[0] = 0xFF;  // only the three defined bits go out
     rr.item_count = 0;
     rr.first_sequence = 12;
-    const auto ack = encoded([&](uint8_t* p) { return rr_ack_encode_service_request(p, &rr); });
-    EXPECT_EQ("0C 05 00 00 02 19 83 3A 05 E0 49 00 5E 5F", hex(ack));
+    const char* emptyAck = "0C 05 00 00 02 19 83 3A 05 E0 49 00 5E 5F";
+    EXPECT_EQ(emptyAck, ENCODED_HEX(rr_ack_encode_service_request(p, &rr)));
+    BACNET_READ_RANGE_DATA back{};
     back.first_sequence = 99;
-    ASSERT_EQ(int(ack.size()), rr_ack_decode_service_request(ack.data(), uint32_t(ack.size()), &back));
-    EXPECT_EQ(std::make_pair(0u, 0), std::make_pair(back.first_sequence, back.application_data_len));
+    ASSERT_EQ(14, DECODED(emptyAck, rr_ack_decode_service_request(p, n, &back)));
+    EXPECT_EQ(std::make_tuple(0u, 0), std::make_tuple(back.first_sequence, back.application_data_len));
     rr.request_type = RR_BY_SEQUENCE;
-    EXPECT_EQ(hex(ack), hex(encoded([&](uint8_t* p) { return rr_ack_encode_service_request(p, &rr); })));
-    rr.item_count = 1;
+    EXPECT_EQ(emptyAck, ENCODED_HEX(rr_ack_encode_service_request(p, &rr)));
     const uint8_t item = 0x00;
+    rr.item_count = 1;
     rr.application_data = &item;
     rr.application_data_len = 1;
-    const auto withSeq = encoded([&](uint8_t* p) { return rr_ack_encode_service_request(p, &rr); });
-    EXPECT_EQ("0C 05 00 00 02 19 83 3A 05 E0 49 01 5E 00 5F 69 0C", hex(withSeq));
+    EXPECT_EQ("0C 05 00 00 02 19 83 3A 05 E0 49 01 5E 00 5F 69 0C",
+              ENCODED_HEX(rr_ack_encode_service_request(p, &rr)));
 }
 
-TEST(UnconfirmedServices, WhoIsIAmTimeSyncLimits) {
+TEST(UnconfirmedServices, WhoIsIAmTimeSyncExamplesAndLimits) {
     // Without limits: the bare header, decoded as -1 / -1.
-    EXPECT_EQ("10 08", hex(encoded([](uint8_t* p) { return whois_encode_apdu(p, -1, -1); })));
+    EXPECT_EQ("10 08", ENCODED_HEX(whois_encode_apdu(p, -1, -1)));
     int32_t low = 0, high = 0;
     EXPECT_EQ(0, whois_decode_service_request(nullptr, 0, &low, &high));
-    EXPECT_EQ(std::make_pair(-1, -1), std::make_pair(low, high));
-    const auto wide = encoded([](uint8_t* p) { return whois_encode_apdu(p, 100, 200); });
-    EXPECT_EQ("10 08 09 64 19 C8", hex(wide));
-    EXPECT_EQ(4, whois_decode_service_request(wide.data() + 2, 4, &low, &high));
-    EXPECT_EQ(std::make_pair(100, 200), std::make_pair(low, high));
-    const auto max = encoded([](uint8_t* p) { return whois_encode_apdu(p, 0, BACNET_MAX_INSTANCE); });
-    EXPECT_EQ("10 08 09 00 1B 3F FF FF", hex(max));
+    EXPECT_EQ(std::make_tuple(-1, -1), std::make_tuple(low, high));
+    EXPECT_EQ("10 08 09 03 19 03", ENCODED_HEX(whois_encode_apdu(p, 3, 3)));
+    EXPECT_EQ(4, DECODED("09 03 19 03", whois_decode_service_request(p, n, &low, &high)));
+    EXPECT_EQ(std::make_tuple(3, 3), std::make_tuple(low, high));
+    EXPECT_EQ("10 08 09 64 19 C8", ENCODED_HEX(whois_encode_apdu(p, 100, 200)));
+    EXPECT_EQ(4, DECODED("09 64 19 C8", whois_decode_service_request(p, n, &low, &high)));
+    EXPECT_EQ(std::make_tuple(100, 200), std::make_tuple(low, high));
+    EXPECT_EQ("10 08 09 00 1B 3F FF FF", ENCODED_HEX(whois_encode_apdu(p, 0, BACNET_MAX_INSTANCE)));
     EXPECT_EQ(BACNET_STATUS_ERROR, whois_encode_apdu(nullptr, 5, 4));
     EXPECT_EQ(BACNET_STATUS_ERROR, whois_encode_apdu(nullptr, 0, BACNET_MAX_INSTANCE + 1));
-    const auto tooHigh = bytes("09 00 1B 40 00 00");
-    EXPECT_EQ(BACNET_STATUS_ERROR, whois_decode_service_request(tooHigh.data(), 6, &low, &high));
-    const auto lowOnly = bytes("09 05");
-    EXPECT_EQ(BACNET_STATUS_ERROR, whois_decode_service_request(lowOnly.data(), 2, &low, &high));
+    for (const char* bad : {"09 00 1B 40 00 00", "09 05"})
+        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(bad, whois_decode_service_request(p, n, &low, &high))) << bad;
     EXPECT_EQ(100, low);  // unchanged by the failures
 
-    const auto iam = encoded(
-        [](uint8_t* p) { return iam_encode_apdu(p, BACNET_MAX_INSTANCE, 1476, SEGMENTATION_BOTH, 947); });
-    EXPECT_EQ("10 00 C4 02 3F FF FF 22 05 C4 91 00 22 03 B3", hex(iam));
+    EXPECT_EQ("10 00 C4 02 00 00 03 22 04 00 91 03 21 63",
+              ENCODED_HEX(iam_encode_apdu(p, 3, 1024, SEGMENTATION_NONE, 99)));
+    uint32_t device = 0;
+    unsigned maxApdu = 0;
+    int segmentation = -1;
+    uint16_t vendor = 0;
+    EXPECT_EQ(12, DECODED("C4 02 00 00 03 22 04 00 91 03 21 63",
+                          iam_decode_service_request(p, n, &device, &maxApdu, &segmentation, &vendor)));
+    EXPECT_EQ(std::make_tuple(3u, 1024u, int(SEGMENTATION_NONE), 99),
+              std::make_tuple(device, maxApdu, segmentation, int(vendor)));
+    EXPECT_EQ("10 00 C4 02 3F FF FF 22 05 C4 91 00 22 03 B3",
+              ENCODED_HEX(iam_encode_apdu(p, BACNET_MAX_INSTANCE, 1476, SEGMENTATION_BOTH, 947)));
     EXPECT_EQ(BACNET_STATUS_ERROR, iam_encode_apdu(nullptr, BACNET_MAX_INSTANCE + 1, 1476, 0, 1));
     EXPECT_EQ(BACNET_STATUS_ERROR, iam_encode_apdu(nullptr, 1, 1476, 4, 1));
     EXPECT_EQ(BACNET_STATUS_ERROR, iam_encode_apdu(nullptr, 1, 1476, -1, 1));
     // An I-Am naming another object type, a vendor beyond 16 bits, a segmentation of 4.
-    const auto notDevice = bytes("C4 00 00 00 03 22 04 00 91 03 21 63");
-    const auto bigVendor = bytes("C4 02 00 00 03 22 04 00 91 03 23 01 00 00");
-    const auto badSegmentation = bytes("C4 02 00 00 03 22 04 00 91 04 21 63");
-    uint32_t device = 0;
-    EXPECT_EQ(BACNET_STATUS_ERROR,
-              iam_decode_service_request(notDevice.data(), 12, &device, nullptr, nullptr, nullptr));
-    EXPECT_EQ(BACNET_STATUS_ERROR,
-              iam_decode_service_request(bigVendor.data(), 14, &device, nullptr, nullptr, nullptr));
-    EXPECT_EQ(BACNET_STATUS_ERROR,
-              iam_decode_service_request(badSegmentation.data(), 12, &device, nullptr, nullptr, nullptr));
+    device = 0;
+    for (const char* bad :
+         {"C4 00 00 00 03 22 04 00 91 03 21 63", "C4 02 00 00 03 22 04 00 91 03 23 01 00 00",
+          "C4 02 00 00 03 22 04 00 91 04 21 63"})
+        EXPECT_EQ(BACNET_STATUS_ERROR,
+                  DECODED(bad, iam_decode_service_request(p, n, &device, nullptr, nullptr, nullptr)));
     EXPECT_EQ(0u, device);
 
-    // Fully unspecified date and time are values, not errors.
-    const BACNET_DATE anyDate{2155, 255, 255, 255};
-    const BACNET_TIME anyTime{255, 255, 255, 255};
-    const auto wild = encoded([&](uint8_t* p) { return timesync_utc_encode_apdu(p, &anyDate, &anyTime); });
-    EXPECT_EQ("10 09 A4 FF FF FF FF B4 FF FF FF FF", hex(wild));
+    // 1992-11-17 (a Tuesday) 22:45:30.70; the UTC form differs only in the service choice.
+    const BACNET_DATE date{1992, 11, 17, 2};
+    const BACNET_TIME time{22, 45, 30, 70};
+    EXPECT_EQ("10 06 A4 5C 0B 11 02 B4 16 2D 1E 46", ENCODED_HEX(timesync_encode_apdu(p, &date, &time)));
+    EXPECT_EQ("10 09 A4 5C 0B 11 02 B4 16 2D 1E 46", ENCODED_HEX(timesync_utc_encode_apdu(p, &date, &time)));
     BACNET_DATE d{};
     BACNET_TIME t{};
-    EXPECT_EQ(10, timesync_decode_service_request(wild.data() + 2, 10, &d, &t));
-    EXPECT_EQ(std::make_pair(2155, 255), std::make_pair(int(d.year), int(t.hundredths)));
+    EXPECT_EQ(10, DECODED("A4 5C 0B 11 02 B4 16 2D 1E 46", timesync_decode_service_request(p, n, &d, &t)));
+    EXPECT_EQ(std::make_tuple(1992, 11, 17, 2),
+              std::make_tuple(int(d.year), int(d.month), int(d.day), int(d.wday)));
+    EXPECT_EQ(0, std::memcmp(&t, &time, sizeof t));
+    // Fully unspecified date and time are values, not errors; time before date is no request.
+    const BACNET_DATE anyDate{2155, 255, 255, 255};
+    const BACNET_TIME anyTime{255, 255, 255, 255};
+    EXPECT_EQ("10 09 A4 FF FF FF FF B4 FF FF FF FF",
+              ENCODED_HEX(timesync_utc_encode_apdu(p, &anyDate, &anyTime)));
+    EXPECT_EQ(10, DECODED("A4 FF FF FF FF B4 FF FF FF FF", timesync_decode_service_request(p, n, &d, &t)));
+    EXPECT_EQ(std::make_tuple(2155, 255), std::make_tuple(int(d.year), int(t.hundredths)));
     EXPECT_EQ(BACNET_STATUS_ERROR, timesync_encode_apdu(nullptr, nullptr, &anyTime));
-    // Time before date is not a TimeSynchronization.
-    const auto swapped = bytes("B4 01 02 03 04 A4 7C 01 01 01");
-    EXPECT_EQ(BACNET_STATUS_ERROR, timesync_decode_service_request(swapped.data(), 10, &d, &t));
+    EXPECT_EQ(BACNET_STATUS_ERROR,
+              DECODED("B4 01 02 03 04 A4 7C 01 01 01", timesync_decode_service_request(p, n, &d, &t)));
 }

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "hex.h"
+#include "../test_support.h"
 #include "tq_stack/bacapp.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/iam.h"
@@ -23,7 +23,7 @@
 #include "tq_stack/whois.h"
 #include "tq_stack/wp.h"
 
-using namespace svc_test;
+using namespace tq_test;
 
 namespace {
 
@@ -33,11 +33,6 @@ struct Frame {
     bool expectingReply;
     std::vector<std::string> expect;  // lines of the analyser's detail view that must appear
 };
-
-bool haveTool(const char* tool) {
-    const std::string cmd = std::string("command -v ") + tool + " >/dev/null 2>&1";
-    return std::system(cmd.c_str()) == 0;
-}
 
 std::string run(const std::string& cmd) {
     std::string out;
@@ -66,10 +61,7 @@ std::vector<std::string> dissect(const std::vector<Frame>& frames) {
     const std::string base(dir);
     {
         std::ofstream txt(base + "/frames.txt");
-        for (const auto& f : frames) {
-            const auto bytesOut = wrap(f);
-            txt << "000000 " << hex(bytesOut) << "\n";
-        }
+        for (const auto& f : frames) txt << "000000 " << hex(wrap(f)) << "\n";
     }
     run("text2pcap -q -u 47808,47808 " + base + "/frames.txt " + base + "/frames.pcap 2>&1");
     const std::string text =
@@ -83,15 +75,6 @@ std::vector<std::string> dissect(const std::vector<Frame>& frames) {
         pos = next == std::string::npos ? next : next + 1;
     }
     return perFrame;
-}
-
-BACNET_READ_PROPERTY_DATA rpData(BACNET_OBJECT_TYPE type, uint32_t instance, BACNET_PROPERTY_ID property) {
-    BACNET_READ_PROPERTY_DATA d{};
-    d.object_type = type;
-    d.object_instance = instance;
-    d.object_property = property;
-    d.array_index = BACNET_ARRAY_ALL;
-    return d;
 }
 
 // A ReadProperty-ACK carrying the given application-tagged value bytes.
@@ -160,16 +143,9 @@ std::vector<Frame> frames() {
         {"Invoke ID: 77", "Service Choice: writeProperty (15)", "ObjectIdentifier: analog-value, 9",
          "Present Value (real): -12.25", "Priority: (Unsigned) 8"});
 
-    auto ref = [](BACNET_PROPERTY_ID id, uint32_t index, BACNET_PROPERTY_REFERENCE* next) {
-        BACNET_PROPERTY_REFERENCE r{};
-        r.propertyIdentifier = id;
-        r.propertyArrayIndex = index;
-        r.next = next;
-        return r;
-    };
-    BACNET_PROPERTY_REFERENCE pv2 = ref(PROP_PRIORITY_ARRAY, 16, nullptr);
-    BACNET_PROPERTY_REFERENCE name2 = ref(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, &pv2);
-    BACNET_PROPERTY_REFERENCE units = ref(PROP_UNITS, BACNET_ARRAY_ALL, nullptr);
+    BACNET_PROPERTY_REFERENCE pv2 = propertyRef(PROP_PRIORITY_ARRAY, nullptr, 16);
+    BACNET_PROPERTY_REFERENCE name2 = propertyRef(PROP_OBJECT_NAME, &pv2);
+    BACNET_PROPERTY_REFERENCE units = propertyRef(PROP_UNITS, nullptr);
     BACNET_READ_ACCESS_DATA second{OBJECT_ANALOG_INPUT, 17, &units, nullptr};
     BACNET_READ_ACCESS_DATA first{OBJECT_ANALOG_OUTPUT, 3, &name2, &second};
     add("rpm", ENC(rpm_encode_apdu(p, MAX_APDU, 9, &first)), true,
@@ -214,7 +190,7 @@ std::vector<Frame> frames() {
 }  // namespace
 
 TEST(TsharkInterop, AnalyserReadsWhatWeEncoded) {
-    if (!haveTool("tshark") || !haveTool("text2pcap"))
+    if (std::system("command -v tshark >/dev/null && command -v text2pcap >/dev/null") != 0)
         GTEST_SKIP() << "tshark/text2pcap not installed; interop not checked";
     const auto f = frames();
     for (const auto& frame : f) ASSERT_FALSE(frame.apdu.empty()) << frame.name << " did not encode";
