@@ -1,21 +1,16 @@
 #pragma once
 
-#include "TQ/Utility/Data/EmbeddedDatabase.h"
-#include "TQ/Utility/Data/SmoDbSession.h"
+#include "../support/TQTestCatalogue.h"
 
 #include <Poco/Data/Session.h>
-#include <Poco/File.h>
-#include <Poco/Path.h>
-#include <Poco/TemporaryFile.h>
 
-#include <memory>
 #include <string>
 
 namespace TQValueTest {
 
-/// One catalogue database for the whole test process, made the process-wide session. The
-/// library's catalogue caches live as long as the process, so every test sees the same rows;
-/// tests add what they need with `seed`, which leaves rows the catalogue already has alone.
+/// The shared catalogue database with a way to add rows. The library's catalogue caches live as
+/// long as the process, so every test sees the same rows; tests add what they need with `seed`,
+/// which leaves rows the catalogue already has alone.
 class ValueDatabase {
 public:
     static ValueDatabase& instance() {
@@ -28,9 +23,9 @@ public:
               const std::string& values) {
         using namespace Poco::Data::Keywords;
         int count = 0;
-        _db->getSession() << "SELECT COUNT(*) FROM " + table + " WHERE " + where, into(count), now;
+        _db.getSession() << "SELECT COUNT(*) FROM " + table + " WHERE " + where, into(count), now;
         if (count == 0)
-            _db->getSession() << "INSERT INTO " + table + " (" + columns + ") VALUES (" + values + ")", now;
+            _db.getSession() << "INSERT INTO " + table + " (" + columns + ") VALUES (" + values + ")", now;
     }
 
     void seedConstruct(unsigned construct, unsigned datatype, const std::string& name) {
@@ -65,19 +60,9 @@ public:
     }
 
 private:
-    ValueDatabase() : _dir(Poco::TemporaryFile::tempName()) {
-        Poco::File(_dir).createDirectories();
-        _db = TQ::Utility::Data::openEmbeddedDatabase(Poco::Path(_dir, "value.db").toString());
-        TQ::Utility::Data::pDB = _db.get();
-    }
-    ~ValueDatabase() {
-        TQ::Utility::Data::pDB = nullptr;
-        _db.reset();
-        Poco::File(_dir).remove(true);
-    }
+    ValueDatabase() : _db(TQTest::Catalogue::open().db()) {}
 
-    std::string _dir;
-    std::unique_ptr<TQ::Utility::Data::SmoDbSession> _db;
+    TQ::Utility::Data::SmoDbSession& _db;
 };
 
 }  // namespace TQValueTest

@@ -17,8 +17,7 @@ class RecordingFactory : public MarkupFactory {
 public:
     struct Opened {
         BaseType baseType;
-        std::string name;
-        std::string value;
+        std::string name, value;
         unsigned int flags;
         bool hasMetadata;
         std::vector<MetadataValue> metadata;
