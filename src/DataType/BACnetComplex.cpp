@@ -57,20 +57,25 @@ bool BACnetComplex::setString(const std::string& text) {
     }
 }
 
-DataApplicationValue BACnetComplex::getOpenTag(uint8_t tag) const {
+namespace {
+
+// Opening and closing tags stand in a decoded chain as context-specific pseudo primitives.
+DataApplicationValue pseudoTag(unsigned pseudo, uint8_t tag) {
     DataApplicationValue value;
-    value.tag = static_cast<BACNET_APPLICATION_TAG>(BACNET_PSEUDO_TAG_OPENING);
+    value.tag = static_cast<BACNET_APPLICATION_TAG>(pseudo);
     value.context_specific = true;
     value.context_tag = tag;
     return value;
 }
 
+}  // namespace
+
+DataApplicationValue BACnetComplex::getOpenTag(uint8_t tag) const {
+    return pseudoTag(BACNET_PSEUDO_TAG_OPENING, tag);
+}
+
 DataApplicationValue BACnetComplex::getCloseTag(uint8_t tag) const {
-    DataApplicationValue value;
-    value.tag = static_cast<BACNET_APPLICATION_TAG>(BACNET_PSEUDO_TAG_CLOSING);
-    value.context_specific = true;
-    value.context_tag = tag;
-    return value;
+    return pseudoTag(BACNET_PSEUDO_TAG_CLOSING, tag);
 }
 
 }  // namespace DataType

@@ -18,36 +18,27 @@ void BACnetLogRecord::Datum::setBoolean(bool value) {
 }
 
 float BACnetLogRecord::Datum::getReal() const {
-    float value;
-    std::memcpy(&value, _bytes, sizeof value);
-    return value;
+    return load<float>();
 }
 
 void BACnetLogRecord::Datum::setReal(float value) {
-    clear();
-    std::memcpy(_bytes, &value, sizeof value);
+    store(value);
 }
 
 uint32_t BACnetLogRecord::Datum::getUnsigned() const {
-    uint32_t value;
-    std::memcpy(&value, _bytes, sizeof value);
-    return value;
+    return load<uint32_t>();
 }
 
 void BACnetLogRecord::Datum::setUnsigned(uint32_t value) {
-    clear();
-    std::memcpy(_bytes, &value, sizeof value);
+    store(value);
 }
 
 int32_t BACnetLogRecord::Datum::getSigned() const {
-    int32_t value;
-    std::memcpy(&value, _bytes, sizeof value);
-    return value;
+    return load<int32_t>();
 }
 
 void BACnetLogRecord::Datum::setSigned(int32_t value) {
-    clear();
-    std::memcpy(_bytes, &value, sizeof value);
+    store(value);
 }
 
 void BACnetLogRecord::Datum::setLogStatus(uint8_t bits) {

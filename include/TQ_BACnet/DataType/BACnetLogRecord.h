@@ -6,6 +6,7 @@
 #include <Poco/Timestamp.h>
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace TQ {
@@ -95,6 +96,19 @@ public:
         bool operator!=(const Datum& other) const { return !(*this == other); }
 
     private:
+        // The 32-bit choices share the first four bytes, stored in host order.
+        template <class T>
+        T load() const {
+            T value;
+            std::memcpy(&value, _bytes, sizeof value);
+            return value;
+        }
+        template <class T>
+        void store(T value) {
+            clear();
+            std::memcpy(_bytes, &value, sizeof value);
+        }
+
         uint8_t _bytes[5] = {0, 0, 0, 0, 0};
     };
 
