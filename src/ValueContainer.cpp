@@ -20,8 +20,9 @@ namespace {
 
 using Values = std::vector<DataApplicationValue>;
 
-// A sane bound on the values one APDU can carry; guards the reservation below.
-constexpr size_t MAX_VALUES_PER_APDU = MAX_APDU;
+// Room reserved up front from the first value's size; more values grow the vector as usual, so
+// a short first value cannot make a small controller reserve megabytes.
+constexpr size_t MAX_VALUES_RESERVED = 64;
 
 // The codec takes any byte for a date or time field; the text form (what is stored and shown)
 // has limits. A peer's out-of-range field is refused here rather than thrown later from getText.
@@ -99,16 +100,16 @@ int ValueContainer::decode(const uint8_t* apdu, int length, unsigned maxValues,
 
 int ValueContainer::decode(const uint8_t* apdu, int length, unsigned maxValues, int arrayIndex,
                            DataErrorRef& error) {
+    if (length < 0 || (apdu == nullptr && length > 0)) {
+        error.setError(ERROR_CLASS_PROPERTY, ERROR_CODE_VALUE_OUT_OF_RANGE);
+        return failDecode();
+    }
     if (_descriptor.structure == BACNET_DTS_ARRAY && arrayIndex != -1 && maxValues < 2) {
         _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
         if (arrayIndex == 0) {  // the array's length
             _descriptor.datatype = BACNET_DT_UNSIGNED_INT;
             _descriptor.tag = BACNET_APPLICATION_TAG_UNSIGNED_INT;
         }
-    }
-    if (length < 0 || (apdu == nullptr && length > 0)) {
-        error.setError(ERROR_CLASS_PROPERTY, ERROR_CODE_VALUE_OUT_OF_RANGE);
-        return -1;
     }
     if (_descriptor.tag == BACNET_APPLICATION_TAG_NULL && _descriptor.datatype != BACNET_DT_NULL) {
         return decodeConstructed(apdu, length, maxValues, error);
@@ -121,12 +122,7 @@ int ValueContainer::decodePrimitives(const uint8_t* apdu, int length, unsigned m
     const auto expected = _descriptor.tag;
     const bool emptyAllowed = _descriptor.emptyAllowed;
     const bool plain = plainTag(expected);
-    // Decodes one value in place and checks it against the descriptor; false with the error set.
-    const auto fail = [&] {
-        _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
-        reuse<DataApplicationValue>().init();
-        return -1;
-    };
+    const auto fail = [this] { return failDecode(); };
 
     if (length == 0) {
         // An empty array or list: no value, not an error.
@@ -165,7 +161,7 @@ int ValueContainer::decodePrimitives(const uint8_t* apdu, int length, unsigned m
     Values& values = *vector;
     // Values of one property are mostly alike, so the first one's size predicts the count.
     const size_t expectedCount =
-        std::min<size_t>(static_cast<size_t>(length / consumed) + 1, MAX_VALUES_PER_APDU);
+        std::min<size_t>(static_cast<size_t>(length / consumed) + 1, MAX_VALUES_RESERVED);
     if (values.capacity() < expectedCount) values.reserve(expectedCount);
     int position = consumed;
     size_t count = 1;
@@ -188,6 +184,14 @@ int ValueContainer::decodePrimitives(const uint8_t* apdu, int length, unsigned m
     values.resize(count);
     if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) _descriptor.structure = BACNET_DTS_ARRAY;
     return position;
+}
+
+int ValueContainer::failDecode() {
+    // A null single value, described so that no later read expects a class that is not held.
+    _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
+    if (_descriptor.tag == BACNET_APPLICATION_TAG_NULL) _descriptor.datatype = BACNET_DT_NULL;
+    reuse<DataApplicationValue>().init();
+    return -1;
 }
 
 bool ValueContainer::getBool() const {

@@ -40,8 +40,7 @@ int ValueContainer::decodeObjects(const uint8_t* apdu, int length, unsigned maxV
         if (consumed <= 0) {
             // Zero bytes for a value would never end the walk: as malformed as a failure.
             error.setError(ERROR_CLASS_SERVICES, ERROR_CODE_OTHER);
-            _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
-            reuse<DataApplicationValue>().init();
+            failDecode();
             return consumed < 0 ? consumed : -1;
         }
         position += consumed;

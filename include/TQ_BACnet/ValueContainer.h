@@ -176,6 +176,8 @@ private:
     }
 
     int decodePrimitives(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);
+    /// Leaves a consistent empty value after a failed decode; always -1.
+    int failDecode();
     int decodeConstructed(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);
     template <class T>
     int decodeObjects(const uint8_t* apdu, int length, unsigned maxValues, DataErrorRef& error);

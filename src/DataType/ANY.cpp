@@ -19,6 +19,7 @@ namespace {
 int balancedLength(const uint8_t* apdu, unsigned length) {
     unsigned position = 0;
     unsigned depth = 0;
+    uint8_t open[BACNET_MAX_NESTING_DEPTH];  // the tag number each open construct must close with
     while (position < length) {
         BACNET_TAG tag;
         const int header = bacnet_tag_decode(apdu + position, length - position, &tag);
@@ -26,9 +27,10 @@ int balancedLength(const uint8_t* apdu, unsigned length) {
         if (tag.closing && depth == 0) break;
         position += static_cast<unsigned>(header);
         if (tag.opening) {
-            if (++depth > BACNET_MAX_NESTING_DEPTH) return -1;
+            if (depth == BACNET_MAX_NESTING_DEPTH) return -1;
+            open[depth++] = tag.number;
         } else if (tag.closing) {
-            --depth;
+            if (open[--depth] != tag.number) return -1;
         } else if (!(tag.application && tag.number == BACNET_APPLICATION_TAG_BOOLEAN)) {
             position += tag.len_value_type;  // checked against the length by the tag decoder
         }
@@ -93,14 +95,23 @@ int ANY::getValueLength() const {
     init_bacnet_datatype_by_context_tag(guide, static_cast<int>(_descriptor.datatype));
     BACNET_READ_ACCESS_DATA data;
     std::memset(&data, 0, sizeof data);
-    const int result =
-        bacapp_fully_decode_value(_value.data(), static_cast<uint32_t>(_value.size()), OBJECT_DEVICE, 0,
-                                  _ref.property, static_cast<uint32_t>(_ref.arrayIndex), guide,
-                                  &Entity::BnDataTypeConstruct::get_datatype_by_context, &data);
+    // The guide reads the catalogue, which may throw: nothing decoded so far may leak then.
+    const auto release = [&] {
+        free_BACNET_READ_ACCESS_DATA_Internals(&data);
+        Entity::BnDataTypeConstruct::deleteBdbct(&guide);
+    };
+    int result;
+    try {
+        result = bacapp_fully_decode_value(_value.data(), static_cast<uint32_t>(_value.size()), OBJECT_DEVICE,
+                                           0, _ref.property, static_cast<uint32_t>(_ref.arrayIndex), guide,
+                                           &Entity::BnDataTypeConstruct::get_datatype_by_context, &data);
+    } catch (...) {
+        release();
+        throw;
+    }
     const bool noValue =
         result >= 0 && (data.listOfProperties == nullptr || data.listOfProperties->value == nullptr);
-    free_BACNET_READ_ACCESS_DATA_Internals(&data);
-    Entity::BnDataTypeConstruct::deleteBdbct(&guide);
+    release();
     return noValue ? -202 : result;
 }
 

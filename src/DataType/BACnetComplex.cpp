@@ -20,12 +20,14 @@ int BACnetComplex::encodeContext(uint8_t* apdu, uint8_t tag) {
 }
 
 int BACnetComplex::decodeContext(const uint8_t* apdu, unsigned length, uint8_t tag) {
-    if (apdu == nullptr || length < 2 || !decode_is_opening_tag_number(apdu, length, tag)) return -1;
-    const int value = decode(apdu + 1, length - 2);
+    // Tag numbers from 15 on take an extra octet in both framing tags.
+    const unsigned frame = tag < 15 ? 1 : 2;
+    if (apdu == nullptr || length < 2 * frame || !decode_is_opening_tag_number(apdu, length, tag)) return -1;
+    const int value = decode(apdu + frame, length - 2 * frame);
     if (value < 0) return -1;
-    const unsigned closing = 1 + static_cast<unsigned>(value);
+    const unsigned closing = frame + static_cast<unsigned>(value);
     if (!decode_is_closing_tag_number(apdu + closing, length - closing, tag)) return -1;
-    return value + 2;
+    return value + static_cast<int>(2 * frame);
 }
 
 void BACnetComplex::getBACnetPrimitives(std::vector<DataApplicationValue>&) const {
@@ -49,8 +51,15 @@ bool BACnetComplex::setString(const std::string& text) {
         const auto length = static_cast<unsigned>(bytes.size());
         if (length == 0) return false;
         int decoded = decode(bytes.data(), length);
-        // Else the value may come framed: the tag number is in the first octet's high nibble.
-        if (decoded < 0) decoded = decodeContext(bytes.data(), length, static_cast<uint8_t>(bytes[0] >> 4));
+        // Else the value may come framed: the tag number is in the first octet's high nibble, or
+        // in the next octet when the nibble says the number is extended.
+        if (decoded < 0) {
+            const uint8_t nibble = static_cast<uint8_t>(bytes[0] >> 4);
+            if (nibble < 15)
+                decoded = decodeContext(bytes.data(), length, nibble);
+            else if (length > 1)
+                decoded = decodeContext(bytes.data(), length, bytes[1]);
+        }
         return decoded > 0;
     } catch (const Poco::SyntaxException&) {
         return false;

@@ -229,6 +229,9 @@ TEST_F(ValueContainerDecode, constructedValuesDecodeIntoTheirClasses) {
         EXPECT_GT(0, decodeAs(b.first, b.second));
         EXPECT_EQ(ERROR_CLASS_SERVICES, errorClass);
         EXPECT_EQ(ERROR_CODE_OTHER, errorCode);
+        // What is left reads as no value, not as a class that is not held.
+        EXPECT_EQ("NULL", textOf(c));
+        EXPECT_EQ(BN::BACNET_DT_NULL, c.getDataType());
     }
 
     // A type without a class of its own is held whole, as its encoding with its descriptor.

@@ -56,6 +56,13 @@ TEST(BACnetComplex, contextFramingAndHexText) {
     EXPECT_EQ(-1, r.decodeContext(out, 4u, 2));
     EXPECT_EQ(-1, r.decodeContext(out, 3u, 3));  // the closing tag lies past the given length
 
+    // Tag numbers from 15 on are extended: two framing octets each side.
+    ASSERT_EQ(6, v.encodeContext(out, 20));
+    EXPECT_EQ(0, std::memcmp(out, "\xFE\x14\x21\x07\xFF\x14", 6));
+    EXPECT_EQ(6, r.decodeContext(out, 6u, 20));
+    EXPECT_TRUE(r.setString("FE142108FF14"));
+    EXPECT_EQ(8u, r.value);
+
     std::string text;
     v.getString(text);
     EXPECT_EQ("2107", text);
@@ -100,7 +107,7 @@ TEST(ANY, holdsBalancedEncodingsUpToTheEnclosingClose) {
 
     // Unbalanced, truncated or empty input holds nothing.
     const std::vector<std::vector<uint8_t>> broken{
-        {0x0E, 0x21}, {0x0E, 0x21, 0x01}, {0x1F}, {0x24, 0x41}, {}};
+        {0x0E, 0x21}, {0x0E, 0x21, 0x01}, {0x1F}, {0x24, 0x41}, {}, {0x1E, 0x21, 0x01, 0x2F}};
     for (const auto& b : broken)
         EXPECT_EQ(-1, ANY(PRIORITY_ARRAY, nullptr, 0).decode(b.data(), static_cast<unsigned>(b.size())));
     EXPECT_EQ(-1, ANY().encode(out));
