@@ -1,6 +1,7 @@
 #include "TQ_BACnet/DataError.h"
 
 #include "TQ/Utility/OctetBuffer.h"
+#include "TQ_BACnet/DataType/Error.h"
 #include "tq_stack/bactext.h"
 #include "tq_stack/codec.h"
 
@@ -40,9 +41,8 @@ std::string DataError::getString(bool withNumbers) const {
 }
 
 int DataError::encode(TQ::Utility::OctetBuffer& buffer, unsigned offset) const {
-    uint8_t bytes[16];
-    int length = encode_application_enumerated(bytes, _errorClass);
-    length += encode_application_enumerated(bytes + length, _errorCode);
+    uint8_t bytes[DataType::Error::MAX_ENCODED];
+    const int length = DataType::Error::encode(bytes, _errorClass, _errorCode);
     buffer.resize(offset + static_cast<size_t>(length));
     std::memcpy(buffer.data() + offset, bytes, static_cast<size_t>(length));
     return length;

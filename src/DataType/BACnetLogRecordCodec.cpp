@@ -1,4 +1,5 @@
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
+#include "TQ_BACnet/DataType/Error.h"
 
 #include "TQ/Utility/LogHelper.h"
 #include "tq_stack/codec.h"
@@ -80,8 +81,8 @@ int BACnetLogRecord::encodeDatum(uint8_t* apdu) const {
             return encode_context_null(apdu, _choice);
         case FAILURE: {
             int len = encode_opening_tag(apdu, _choice);
-            len += encode_application_enumerated(at(apdu, len), _datum.getErrorClass());
-            len += encode_application_enumerated(at(apdu, len), _datum.getErrorCode());
+            len += Error::encode(at(apdu, len), static_cast<BACNET_ERROR_CLASS>(_datum.getErrorClass()),
+                                 static_cast<BACNET_ERROR_CODE>(_datum.getErrorCode()));
             return len + encode_closing_tag(at(apdu, len), _choice);
         }
         default:
