@@ -1,0 +1,68 @@
+#include "Values.h"
+
+#include "TQ_BACnet/DataError.h"
+#include "TQ_BACnet/DataErrorRef.h"
+
+#include <Poco/Exception.h>
+
+namespace TQ {
+namespace Apps {
+
+PropertyOf propertyOf(const Args& args) {
+    if (!args.has("object") || !args.has("property")) throw UsageError("--object and --property are required");
+    PropertyOf of{parseObjectType(args.get("object")), parseProperty(args.get("property")), -1};
+    of.arrayIndex = static_cast<int>(args.getNumber("index", -1, 0, 0xFFFFFFFEL));
+    return of;
+}
+
+Utility::OctetBuffer bytesOf(const std::string& hex) {
+    Utility::OctetBuffer bytes;
+    try {
+        bytes.setHexString(hex);
+    } catch (const Poco::SyntaxException&) {
+        throw InputError("not hexadecimal bytes (two digits per byte): \"" + hex + "\"");
+    }
+    return bytes;
+}
+
+BACnet::ValueContainer decodeValue(const Utility::OctetBuffer& bytes, const PropertyOf& of) {
+    const BACnet::DataPropertyInObject0 descriptor = describe(of.objectType, of.property);
+    BACnet::ValueContainer value;
+    BACnet::DataError error;
+    BACNET_ERROR_CLASS errorClass = BACnet::DataError::NO_ERROR_CLASS;
+    BACNET_ERROR_CODE errorCode = BACnet::DataError::NO_ERROR_CODE;
+    BACnet::DataErrorRef errorRef(errorClass, errorCode);
+    const int length = static_cast<int>(bytes.size());
+    // A single value, or one element of an array, is one value: anything after it is surplus.
+    const bool one = descriptor.structure == BACnet::BACNET_DTS_SINGLE_VALUE || of.arrayIndex >= 0;
+    const int used = value.decode(bytes.data(), length, one ? 1 : 0, descriptor, of.arrayIndex, errorRef);
+    if (used < 0) {
+        error.setError(errorClass, errorCode);
+        throw InputError("the bytes do not decode as " + propertyName(of.property) + " of " +
+                         objectTypeName(of.objectType) + ": " + error.getString(false));
+    }
+    if (used != length) {
+        throw InputError(std::to_string(length - used) + " bytes left over after the value (at byte " +
+                         std::to_string(used) + ")");
+    }
+    return value;
+}
+
+BACnet::ValueContainer valueFromText(const std::string& text, const PropertyOf& of) {
+    const BACnet::DataPropertyInObject0 descriptor = describe(of.objectType, of.property);
+    BACnet::ValueContainer value;
+    if (!value.setText(descriptor.datatype, descriptor.tag, text, false)) {
+        throw InputError("\"" + text + "\" is no value of " + propertyName(of.property) + " of " +
+                         objectTypeName(of.objectType));
+    }
+    return value;
+}
+
+std::string encodedHex(const BACnet::ValueContainer& value) {
+    Utility::OctetBuffer bytes;
+    if (value.encode2(bytes) < 0) throw InputError("the value does not encode");
+    return bytes.getHexString(false);
+}
+
+}  // namespace Apps
+}  // namespace TQ
