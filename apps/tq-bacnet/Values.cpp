@@ -42,8 +42,9 @@ BACnet::ValueContainer decodeValue(const Utility::OctetBuffer& bytes, const Prop
                          objectTypeName(of.objectType) + ": " + error.getString(false));
     }
     if (used != length) {
-        throw InputError(std::to_string(length - used) + " bytes left over after the value (at byte " +
-                         std::to_string(used) + ")");
+        const int surplus = length - used;
+        throw InputError(std::to_string(surplus) + (surplus == 1 ? " byte" : " bytes") +
+                         " left over after the value, from byte " + std::to_string(used));
     }
     return value;
 }
