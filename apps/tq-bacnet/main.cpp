@@ -60,7 +60,7 @@ int fail(const std::string& command, const std::string& message, int status) {
 int main(int argc, char** argv) {
     const std::vector<std::string> words(argv + 1, argv + argc);
     if (words.empty()) {
-        printToolHelp(std::cerr);
+        std::cerr << "usage: tq-bacnet COMMAND [ARGUMENTS] [OPTIONS]\n'tq-bacnet --help' lists the commands\n";
         return EXIT_USAGE;
     }
     if (words[0] == "--help" || words[0] == "-h" || words[0] == "help") {
