@@ -57,8 +57,6 @@ public:
     int encode(uint8_t* apdu) const override;
     /// Appends the encoding to `buffer`; the buffer's new size.
     int encode(TQ::Utility::OctetBuffer& buffer) const;
-    using BACnetComplex::encodeContext;
-    int encodeContext(uint8_t* apdu, uint8_t tag) const;
 
     using BACnetComplex::decode;
     using BACnetComplex::decodeContext;

@@ -69,6 +69,14 @@ public:
     /// Hundredths truncated from the milliseconds; the weekday follows the date (Sunday 7).
     void setLocalDateTime(const Poco::LocalDateTime& local);
     void setTimestamp(Poco::Timestamp ts);
+    /// The local date-time of a moment, weekday and hundredths included.
+    static BACnet_DateTime fromTimestamp(const Poco::Timestamp& moment);
+    /// The moment a local date-time names; false for unspecified or impossible fields.
+    /// Unspecified hundredths only blur the moment, so they count as 0.
+    static bool toTimestamp(const BACnet_DateTime& value, Poco::Timestamp& out);
+    /// Rounded down to a whole hundredth of a second, the finest a date-time holds (towards the
+    /// past for moments before 1970 too).
+    static Poco::Timestamp toHundredths(const Poco::Timestamp& moment);
     /// Seconds since the epoch through the C library's local time; hundredths are dropped.
     long get() const;
     void set(long seconds);
