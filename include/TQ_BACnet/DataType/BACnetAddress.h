@@ -76,6 +76,9 @@ public:
     /// does not change the text.
     void getString(std::string& out, bool) const;
     using BACnetComplex::getString;
+    /// A Sequence of network-number, mac-address and, for a remote network, router-address, the
+    /// addresses as their texts. `arrayMarker` goes to each member.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     bool operator==(const BACnetAddress& other) const;
     bool operator!=(const BACnetAddress& other) const { return !(*this == other); }

@@ -55,6 +55,9 @@ public:
     bool setString(const std::string& text) override;
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;
     BACnetDataType getBACnetDataType() const override { return DATA_TYPE; }
+    /// One complete DateTime markup in ISO 8601 with the local time zone; a value that names no
+    /// moment (unspecified or impossible fields) shows as its date and time texts instead.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     Date getDate() const { return Date(date); }
     Time getTime() const { return Time(time); }

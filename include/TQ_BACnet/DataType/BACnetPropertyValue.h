@@ -37,6 +37,8 @@ public:
     /// only known to a caller that knows the object type.
     int decode(const uint8_t* apdu, unsigned length) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_PROPERTY_VALUE; }
+    /// Not rendered on its own: Poco::NotImplementedException.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     const ValueContainer& getValue() const { return _value; }
     ValueContainer& getValue() { return _value; }
