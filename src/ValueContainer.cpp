@@ -1,5 +1,7 @@
 #include "TQ_BACnet/ValueContainer.h"
 
+#include "TQ/Utility/LboLogSystem.h"
+#include "TQ/Utility/Message2.h"
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/DataType/BitString.h"
@@ -87,8 +89,18 @@ void ValueContainer::init() {
 
 int ValueContainer::decode(const uint8_t* apdu, int length, unsigned maxValues, BACNET_OBJECT_TYPE objectType,
                            BACNET_PROPERTY_ID property, int arrayIndex, DataErrorRef& error) {
-    // Straight into the container's own descriptor: an unknown pair leaves it untouched.
-    if (!DataPropertyInObject0::getValueTypeAndStructure(objectType, property, _descriptor, false)) return -1;
+    DataPropertyInObject0 found;
+    try {
+        if (!DataPropertyInObject0::getValueTypeAndStructure(objectType, property, found, false)) return -1;
+    } catch (const Poco::Exception& failure) {
+        // The catalogue could not be asked (no session, a broken database): the device cannot
+        // tell what the value is, so it fails like any other read, and the container stays as it was.
+        TQ::Utility::LboLogSystem::log(TQ::Utility::Message2("src/ValueContainer", failure.displayText(),
+                                                              Poco::Message::PRIO_ERROR));
+        error.setError(ERROR_CLASS_DEVICE, ERROR_CODE_OPERATIONAL_PROBLEM);
+        return -1;
+    }
+    _descriptor = found;
     return decode(apdu, length, maxValues, arrayIndex, error);
 }
 

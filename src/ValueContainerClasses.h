@@ -3,13 +3,25 @@
 
 #include "TQ_BACnet/BACnetDataType.h"
 #include "TQ_BACnet/DataType/ANY.h"
+#include "TQ_BACnet/DataType/BACnetAddress.h"
+#include "TQ_BACnet/DataType/BACnetAddressBinding.h"
 #include "TQ_BACnet/DataType/BACnetDateTime.h"
 #include "TQ_BACnet/DataType/BACnetDeviceObjectPropertyReference.h"
 #include "TQ_BACnet/DataType/BACnetDeviceObjectReference.h"
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
 #include "TQ_BACnet/DataType/BACnetObjectPropertyReference.h"
+#include "TQ_BACnet/DataType/BACnetPropertyReference.h"
+#include "TQ_BACnet/DataType/BACnetPropertyValue.h"
 #include "TQ_BACnet/DataType/BACnetRecipient.h"
+#include "TQ_BACnet/DataType/Error.h"
 #include "TQ_BACnet/DataType/Proprietary/Vendor947/BACnetTrendLogLastUploaded.h"
+#include "TQ_BACnet/DataType/ReadAccessResult.h"
+#include "TQ_BACnet/DataType/ReadAccessSpecification.h"
+
+#include <Poco/Any.h>
+
+#include <typeinfo>
+#include <vector>
 
 namespace TQ {
 namespace BACnet {
@@ -43,6 +55,60 @@ decltype(auto) withClass(BACnetDataType datatype, F&& f) {
         default:
             return f(Class<DataType::ANY>());
     }
+}
+
+/// Calls `f` with Class<T> for the class whose values a chain of decoded primitives of
+/// `datatype` builds (each class's constructor from descriptor, primitive and cursor); false
+/// without calling `f` for any other data type.
+template <class F>
+bool withPrimitiveClass(BACnetDataType datatype, F&& f) {
+    using namespace DataType;
+    switch (static_cast<unsigned>(datatype)) {
+        case 1011: return f(Class<BACnetAddressBinding>());
+        case 1026: return f(Class<BACnetDateTime>());
+        case 1028: return f(Class<BACnetDeviceObjectPropertyReference>());
+        case 1054: return f(Class<BACnetLogRecord>());
+        case 1060: return f(Class<BACnetObjectPropertyReference>());
+        case 1070: return f(Class<BACnetRecipient>());
+        case 1083: return f(Class<ReadAccessResult>());
+        case 1084: return f(Class<ReadAccessSpecification>());
+        case 1105: return f(Class<BACnetAddress>());
+        case 1127: return f(Class<BACnetPropertyReference>());
+        case 1129: return f(Class<BACnetPropertyValue>());
+        case 1136: return f(Class<Error>());
+        default: return false;
+    }
+}
+
+template <class... T>
+struct ClassList {};
+
+/// Every class a container may hold a constructed value in; ANY last, the fallback.
+using HeldClasses = ClassList<DataType::BACnetDateTime, DataType::BACnetDeviceObjectPropertyReference,
+                              DataType::BACnetDeviceObjectReference, DataType::BACnetLogRecord,
+                              DataType::BACnetObjectPropertyReference, DataType::BACnetRecipient,
+                              DataType::Proprietary::Vendor947::BACnetTrendLogLastUploaded,
+                              DataType::BACnetAddressBinding, DataType::ReadAccessResult,
+                              DataType::ReadAccessSpecification, DataType::BACnetAddress,
+                              DataType::BACnetPropertyReference, DataType::BACnetPropertyValue,
+                              DataType::Error, DataType::ANY>;
+
+template <class F, class T, class... Rest>
+decltype(auto) dispatchHeld(const std::type_info& held, F& f, ClassList<T, Rest...>) {
+    if constexpr (sizeof...(Rest) == 0) {
+        return f(Class<T>());
+    } else {
+        if (held == typeid(T) || held == typeid(std::vector<T>)) return f(Class<T>());
+        return dispatchHeld(held, f, ClassList<Rest...>());
+    }
+}
+
+/// Calls `f` with Class<T> for the class of the constructed object(s) `value` holds, whichever
+/// way they got there (decoded, built from primitives, merged); DataType::ANY when it holds none
+/// of them, whose access then fails as any wrong cast does.
+template <class F>
+decltype(auto) withHeldClass(const Poco::Any& value, F&& f) {
+    return dispatchHeld(value.type(), f, HeldClasses());
 }
 
 }  // namespace ContainerClasses

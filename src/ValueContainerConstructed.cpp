@@ -46,13 +46,7 @@ int ValueContainer::decodeObjects(const uint8_t* apdu, int length, unsigned maxV
         position += consumed;
         objects.push_back(object);
     }
-    if (objects.size() == 1) {
-        _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
-        _value = objects.front();
-    } else {
-        if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) _descriptor.structure = BACNET_DTS_ARRAY;
-        _value = std::move(objects);
-    }
+    storeObjects(objects);
     return position;
 }
 

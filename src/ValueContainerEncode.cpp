@@ -82,14 +82,14 @@ int ValueContainer::encode2T(TQ::Utility::OctetBuffer& buffer) const {
 int ValueContainer::encode(uint8_t* apdu) const {
     if (apdu == nullptr) return 0;
     if (isPrimitive()) return encodeT<DataApplicationValue>(apdu);
-    return ContainerClasses::withClass(getDataType(),
-                                       [&](auto c) { return encodeT<typename decltype(c)::type>(apdu); });
+    return ContainerClasses::withHeldClass(_value,
+                                           [&](auto c) { return encodeT<typename decltype(c)::type>(apdu); });
 }
 
 int ValueContainer::encode2(TQ::Utility::OctetBuffer& buffer) const {
     if (isPrimitive()) return encode2T<DataApplicationValue>(buffer);
-    return ContainerClasses::withClass(getDataType(),
-                                       [&](auto c) { return encode2T<typename decltype(c)::type>(buffer); });
+    return ContainerClasses::withHeldClass(
+        _value, [&](auto c) { return encode2T<typename decltype(c)::type>(buffer); });
 }
 
 int ValueContainer::encodeContext(uint8_t*, uint8_t) const {

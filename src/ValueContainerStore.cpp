@@ -100,7 +100,7 @@ void ValueContainer::setApplicationValue(const DataApplicationValue& value,
     }
     if (value.next != nullptr) {
         if (descriptor->tag == BACNET_APPLICATION_TAG_NULL) {
-            // Constructed values are not assembled from primitives yet: keep the primitives.
+            if (trySetConstructedValue(value, *descriptor)) return;
             std::cout << "UNSUPPORTED COMPLEX TYPE! Contact Vandra for eventual data-type support."
                       << std::endl;
             setApplicationValue(value, nullptr);

@@ -37,21 +37,9 @@ bool ValueContainer::setText(BACnetDataType dataType, BACNET_APPLICATION_TAG tag
             init();
             return false;
         }
-        Poco::StringTokenizer pieces(text, std::string(1, VALUE_SEPARATOR), Poco::StringTokenizer::TOK_TRIM);
-        if (pieces.count() == 1 && _descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
-            DataApplicationValue& value = reuse<DataApplicationValue>();
-            value.setText(tag, pieces[0], emptyIsNull);
-            if (value.getTag() == BACNET_APPLICATION_TAG_NULL) _descriptor.datatype = BACNET_DT_NULL;
-            return true;
-        }
-        if (pieces.count() > 1) _descriptor.structure = BACNET_DTS_ARRAY;
-        std::vector<DataApplicationValue>& values = reuse<std::vector<DataApplicationValue>>();
-        values.clear();
-        values.reserve(pieces.count());
-        for (const std::string& piece : pieces) {
-            values.emplace_back();
-            values.back().setText(tag, piece, emptyIsNull);
-        }
+        const Poco::StringTokenizer pieces(text, std::string(1, VALUE_SEPARATOR),
+                                           Poco::StringTokenizer::TOK_TRIM);
+        setPrimitiveTexts(tag, std::vector<std::string>(pieces.begin(), pieces.end()), emptyIsNull);
         return true;
     } catch (...) {
         init();
@@ -89,17 +77,23 @@ bool ValueContainer::setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG 
                                 const std::vector<std::string>& texts, bool emptyIsNull) {
     init();
     if (texts.empty()) return true;
-    if (texts.size() >= 2) _descriptor.structure = BACNET_DTS_ARRAY;
     _descriptor.datatype = dataType;
     _descriptor.tag = tag;
     if (tag == BACNET_APPLICATION_TAG_NULL && dataType != BACNET_DT_NULL) {
         return setConstructedString(texts.front());
     }
-    if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
+    setPrimitiveTexts(tag, texts, emptyIsNull);
+    return true;
+}
+
+void ValueContainer::setPrimitiveTexts(BACNET_APPLICATION_TAG tag, const std::vector<std::string>& texts,
+                                       bool emptyIsNull) {
+    if (texts.size() > 1) _descriptor.structure = BACNET_DTS_ARRAY;
+    if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE && texts.size() == 1) {
         DataApplicationValue& value = reuse<DataApplicationValue>();
         value.setText(tag, texts.front(), emptyIsNull);
         if (value.getTag() == BACNET_APPLICATION_TAG_NULL) _descriptor.datatype = BACNET_DT_NULL;
-        return true;
+        return;
     }
     std::vector<DataApplicationValue>& values = reuse<std::vector<DataApplicationValue>>();
     values.clear();
@@ -108,7 +102,6 @@ bool ValueContainer::setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG 
         values.emplace_back();
         values.back().setText(tag, text, emptyIsNull);
     }
-    return true;
 }
 
 bool ValueContainer::getStrings(std::vector<std::string>& out, DataWriteProperty& request) const {

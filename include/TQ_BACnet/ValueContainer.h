@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace TQ {
@@ -22,6 +23,9 @@ namespace BACnet {
 class DataErrorRef;
 class DataWriteProperty;
 
+namespace WS {
+class MarkupFactory;
+}
 namespace DataType {
 class OctetString;
 class BitString;
@@ -63,6 +67,8 @@ public:
 
     /// Default descriptor and a single null value.
     void init();
+    /// No value at all, as an empty list property answers: nothing is encoded, the text is "NULL".
+    void setEmpty();
 
     const DataPropertyInObject& getDescriptor() const { return _descriptor; }
     BACnetDataType getDataType() const { return _descriptor.datatype; }
@@ -124,6 +130,14 @@ public:
     void setApplicationValue(const DataApplicationValue& first, const DataPropertyInObject* descriptor);
     /// Relinks a vector into a chain (element i's next is element i+1; the last is left alone).
     void setApplicationValueLinks(std::vector<DataApplicationValue>& values) const;
+    /// Builds the constructed values of `descriptor` from the chain starting at `first` (one
+    /// object for a single value, else objects one after another until the chain ends). False,
+    /// with nothing stored, for a data type without a class that reads primitives and for a run
+    /// its class cannot read (the caller then keeps the primitives).
+    bool trySetConstructedValue(const DataApplicationValue& first, const DataPropertyInObject& descriptor);
+    /// The held value as primitives in encoding order: a primitive value as it is, a constructed
+    /// one broken down by its class (context tags kept), objects of a vector one after another.
+    std::vector<DataApplicationValue>& getBACnetPrimitives(std::vector<DataApplicationValue>& out) const;
 
     /// The single held object as T; Poco::BadCastException "Failed to convert between Any types"
     /// when something else is held.
@@ -132,9 +146,16 @@ public:
         out = held<T>();
         return out;
     }
-    /// All held objects as a vector (a single value gives a vector of one).
+    /// All held objects as a vector (a single value gives a vector of one). Primitives of a
+    /// constructed value are its break-down (`getBACnetPrimitives`).
     template <class T>
     std::vector<T>& getValues(std::vector<T>& out) const {
+        if constexpr (std::is_same<T, DataApplicationValue>::value) {
+            if (!isPrimitive()) {
+                out.clear();
+                return getBACnetPrimitives(out);
+            }
+        }
         if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
             out.assign(1, held<T>());
         } else {
@@ -153,6 +174,30 @@ public:
     bool getStrings(std::vector<std::string>& out, DataWriteProperty& request) const;
     /// The time of the last record of a log (0 for anything else, and for an empty log).
     Poco::Timestamp getLastTimeStamp() const;
+    /// One line for a person: the values' texts, or, for a constructed value, its objects' texts
+    /// joined by ", ". `asPrimitives` shows a constructed value's primitives instead, joined by
+    /// `separator`, each context-tagged one preceded by "[tag] ".
+    std::string& getString(std::string& out, const std::string& separator, bool asPrimitives) const;
+    template <class T>
+    std::string& getTypedString(std::string& out, const std::string& separator) const;
+
+    // --- rendering for the web services ---
+    /// A single primitive or a constructed value (several objects as a List of elements named
+    /// 1, 2, ...). A vector of primitives raises Poco::BadCastException: the catalogue walk
+    /// renders those.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
+                BACnetDataType dataType) const;
+    template <class T>
+    void markupT(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const;
+
+    // --- merging: how a log read in several steps becomes one value ---
+    /// Writes the values of `other` over this one's from index `position` on (overwriting what
+    /// is there, appending past the end). False, with both unchanged, when the two differ in data
+    /// type, tag or held class, or when `position` lies past this one's end; `reason` says which.
+    bool merge(const ValueContainer& other, unsigned position, std::string& reason);
+    bool merge(const ValueContainer& other, unsigned position);
+    template <class T>
+    bool mergeT(const ValueContainer& other, unsigned position, std::string& reason);
 
 private:
     template <class T>
@@ -191,6 +236,22 @@ private:
     /// does not read or the type has no text form.
     bool setConstructedString(const std::string& text);
     bool getConstructedString(std::string& out) const;
+    /// The texts as primitives of `tag`: one text in a single-value container, else a vector.
+    void setPrimitiveTexts(BACNET_APPLICATION_TAG tag, const std::vector<std::string>& texts, bool emptyIsNull);
+    template <class T>
+    bool buildObjects(const DataApplicationValue& first);
+    /// Objects stored with the structure their count gives: one is a single value, more (or
+    /// none) a vector, an array unless the descriptor already says list.
+    template <class T>
+    void storeObjects(std::vector<T>& objects) {
+        if (objects.size() == 1) {
+            _descriptor.structure = BACNET_DTS_SINGLE_VALUE;
+            _value = objects.front();
+            return;
+        }
+        if (_descriptor.structure == BACNET_DTS_SINGLE_VALUE) _descriptor.structure = BACNET_DTS_ARRAY;
+        _value = std::move(objects);
+    }
     /// Stores a value, or the chain it starts, as the held single value or vector.
     void storeChain(const DataApplicationValue& first);
 

@@ -93,12 +93,6 @@ int BACnetAddress::encode(TQ::Utility::OctetBuffer& buffer) const {
     return static_cast<int>(buffer.size());
 }
 
-int BACnetAddress::encodeContext(uint8_t* apdu, uint8_t tag) const {
-    int length = encode_opening_tag(apdu, tag);
-    length += encode(apdu ? apdu + length : nullptr);
-    return length + encode_closing_tag(apdu ? apdu + length : nullptr, tag);
-}
-
 int BACnetAddress::decode(const uint8_t* apdu, unsigned length) {
     BACNET_TAG tag;
     int header = bacnet_tag_decode(apdu, length, &tag);

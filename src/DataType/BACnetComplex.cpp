@@ -10,7 +10,7 @@ namespace TQ {
 namespace BACnet {
 namespace DataType {
 
-int BACnetComplex::encodeContext(uint8_t* apdu, uint8_t tag) {
+int BACnetComplex::encodeContext(uint8_t* apdu, uint8_t tag) const {
     if (apdu == nullptr) return 0;
     int length = encode_opening_tag(apdu, tag);
     const int value = encode(apdu + length);

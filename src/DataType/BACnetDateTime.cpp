@@ -8,6 +8,16 @@ namespace TQ {
 namespace BACnet {
 namespace DataType {
 
+namespace {
+
+// The wire counts years from 1900, so the default's year 0 travels as 1900. Month 0 and day 0
+// name no real date: a 1900 date with both is the default coming back.
+void restoreZeroDate(BACnet_Date& date) {
+    if (date.year == 1900 && date.month == 0 && date.day == 0) date.year = 0;
+}
+
+}  // namespace
+
 BACnetDateTime::BACnetDateTime() : BACnet_DateTime() {
     datetime_set_values(this, 0, 0, 0, 0, 0, 0, 0);
 }
@@ -22,6 +32,7 @@ BACnetDateTime::BACnetDateTime(const DataPropertyInObject0&, const DataApplicati
     : BACnetDateTime() {
     if (v.tag != BACNET_APPLICATION_TAG_DATE) return;
     date = v.type.Date;
+    restoreZeroDate(date);
     const auto* after = static_cast<const DataApplicationValue*>(v.next);
     if (after && after->tag == BACNET_APPLICATION_TAG_TIME) {
         time = after->type.Time;
@@ -46,7 +57,9 @@ int BACnetDateTime::encode(uint8_t* apdu) const {
 
 int BACnetDateTime::decode(const uint8_t* apdu, unsigned length) {
     if (!apdu) return -1;
-    return bacapp_decode_datetime(apdu, length, this);
+    const int len = bacapp_decode_datetime(apdu, length, this);
+    if (len > 0) restoreZeroDate(date);
+    return len;
 }
 
 int BACnetDateTime::decodeContext(const uint8_t* apdu, unsigned length, uint8_t tag) {
@@ -56,6 +69,7 @@ int BACnetDateTime::decodeContext(const uint8_t* apdu, unsigned length, uint8_t 
     const int len = bacapp_decode_context_datetime(apdu, length, tag, &decoded);
     // The codec answers 0 for another tag; callers of a constructed value expect -1 for that.
     if (len <= 0) return -1;
+    restoreZeroDate(decoded.date);
     static_cast<BACnet_DateTime&>(*this) = decoded;
     return len;
 }

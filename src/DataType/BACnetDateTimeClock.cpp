@@ -49,6 +49,30 @@ void BACnetDateTime::setTimestamp(Poco::Timestamp ts) {
     setLocalDateTime(Poco::LocalDateTime(Poco::DateTime(ts)));
 }
 
+BACnet_DateTime BACnetDateTime::fromTimestamp(const Poco::Timestamp& moment) {
+    BACnetDateTime local;
+    local.setTimestamp(moment);
+    return local;
+}
+
+bool BACnetDateTime::toTimestamp(const BACnet_DateTime& value, Poco::Timestamp& out) {
+    BACnet_DateTime known = value;
+    if (known.time.hundredths == 255) known.time.hundredths = 0;
+    if (!Poco::DateTime::isValid(known.date.year, known.date.month, known.date.day, known.time.hour,
+                                 known.time.min, known.time.sec, known.time.hundredths * 10, 0)) {
+        return false;
+    }
+    out = getTimestamp(known);
+    return true;
+}
+
+Poco::Timestamp BACnetDateTime::toHundredths(const Poco::Timestamp& moment) {
+    constexpr Poco::Timestamp::TimeVal HUNDREDTH = 10000;  // microseconds
+    const Poco::Timestamp::TimeVal us = moment.epochMicroseconds();
+    const Poco::Timestamp::TimeVal rest = ((us % HUNDREDTH) + HUNDREDTH) % HUNDREDTH;
+    return Poco::Timestamp(us - rest);
+}
+
 long BACnetDateTime::get() const {
     std::tm broken{};
     broken.tm_year = date.year - 1900;

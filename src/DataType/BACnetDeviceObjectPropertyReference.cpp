@@ -63,8 +63,7 @@ BACnetDeviceObjectPropertyReference::BACnetDeviceObjectPropertyReference(const D
     // Every member after the object identifier is context tagged; an application-tagged
     // primitive already belongs to whatever follows this reference.
     const DataApplicationValue* current = nextOf(&v);
-    if (current != nullptr && current->context_specific &&
-        current->tag == BACNET_APPLICATION_TAG_ENUMERATED) {
+    if (isContextElement(current, 1, BACNET_APPLICATION_TAG_ENUMERATED)) {
         propertyIdentifier = static_cast<BACNET_PROPERTY_ID>(current->type.Enumerated);
         current = nextOf(current);
         if (isContextElement(current, 2, BACNET_APPLICATION_TAG_UNSIGNED_INT)) {

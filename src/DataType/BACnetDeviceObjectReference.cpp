@@ -15,22 +15,22 @@ using namespace ReferencePrimitives;
 
 namespace {
 
+/// High words of a key without a device: all ones from the host, 0 from `getKey`, so that a
+/// key read back through `setKey` names what it was made from. A device of instance 0 is keyed
+/// by its packed identifier (0x02000000), never as a bare instance.
 constexpr uint32_t NO_KEY_DEVICE = 0xFFFFFFFFu;
+constexpr uint32_t NO_DEVICE_KEY = 0;
 
 /// The codec marks an absent device with all ones; this class uses type 0 instance 0 so that
 /// two references without a device compare and key alike however they were made.
 void normaliseNoDevice(BACNET_OBJECT_ID& device) {
-    if (device.type != OBJECT_DEVICE) {
-        device.type = 0;
-        device.instance = 0;
-    }
+    if (device.type != OBJECT_DEVICE) clearDevice(device);
 }
 
 }  // namespace
 
 BACnetDeviceObjectReference::BACnetDeviceObjectReference() {
-    deviceIdentifier.type = 0;
-    deviceIdentifier.instance = 0;
+    clearDevice(deviceIdentifier);
     objectIdentifier.type = MAX_BACNET_OBJECT_TYPE;
     objectIdentifier.instance = BACNET_MAX_INSTANCE;
 }
@@ -82,7 +82,7 @@ void BACnetDeviceObjectReference::takePrimitives(const DataApplicationValue& v,
         deviceIdentifier = v.type.Object_Id;
         current = static_cast<const DataApplicationValue*>(v.next);
     }
-    if (current->tag == BACNET_APPLICATION_TAG_OBJECT_ID) objectIdentifier = current->type.Object_Id;
+    if (isMember(current, 1, BACNET_APPLICATION_TAG_OBJECT_ID)) objectIdentifier = current->type.Object_Id;
     if (next) *next = current;
 }
 
@@ -124,16 +124,15 @@ void BACnetDeviceObjectReference::setObjectIdentifier(ObjectIdentifier object) {
 }
 
 unsigned long long BACnetDeviceObjectReference::getKey() const {
-    return (static_cast<unsigned long long>(getDeviceIdentifier().getValue()) << 32) |
-           getObjectIdentifier().getValue();
+    const unsigned long long device = hasDevice() ? getDeviceIdentifier().getValue() : NO_DEVICE_KEY;
+    return (device << 32) | getObjectIdentifier().getValue();
 }
 
 void BACnetDeviceObjectReference::setKey(unsigned long long key) {
     setObjectId(objectIdentifier, ObjectIdentifier(static_cast<uint32_t>(key)));
     const auto high = static_cast<uint32_t>(key >> 32);
-    if (high == NO_KEY_DEVICE) {
-        deviceIdentifier.type = 0;
-        deviceIdentifier.instance = 0;
+    if (high == NO_KEY_DEVICE || high == NO_DEVICE_KEY) {
+        clearDevice(deviceIdentifier);
     } else {
         // A packed device identifier and a bare instance both keep their instance in the low bits.
         deviceIdentifier.type = OBJECT_DEVICE;

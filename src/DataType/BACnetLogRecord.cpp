@@ -1,16 +1,12 @@
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
 
-#include <Poco/DateTime.h>
+#include "TQ_BACnet/DataType/BACnetDateTime.h"
+
 #include <Poco/Exception.h>
-#include <Poco/LocalDateTime.h>
 
 namespace TQ {
 namespace BACnet {
 namespace DataType {
-
-namespace {
-constexpr Poco::Timestamp::TimeDiff HUNDREDTH = 10000;  // microseconds
-}
 
 const BACnetLogRecord::LogDatumDef BACnetLogRecord::logDatumDefs[ANY_VALUE + 1] = {
     {8, "log-status"},     {1, "boolean-value"}, {4, "real-value"},      {9, "enum-value"},
@@ -24,10 +20,7 @@ BACnetLogRecord::BACnetLogRecord() {
 BACnetLogRecord::~BACnetLogRecord() = default;
 
 Poco::Timestamp BACnetLogRecord::setTimestamp(Poco::Timestamp timestamp) {
-    const Poco::Timestamp::TimeVal us = timestamp.epochMicroseconds();
-    // Floor, not truncation: moments before 1970 round towards the past as well.
-    const Poco::Timestamp::TimeVal rest = ((us % HUNDREDTH) + HUNDREDTH) % HUNDREDTH;
-    _timestamp = Poco::Timestamp(us - rest);
+    _timestamp = BACnetDateTime::toHundredths(timestamp);
     return _timestamp;
 }
 
@@ -86,33 +79,6 @@ uint8_t BACnetLogRecord::mirror(uint8_t octet) {
     octet = static_cast<uint8_t>((octet & 0xF0) >> 4 | (octet & 0x0F) << 4);
     octet = static_cast<uint8_t>((octet & 0xCC) >> 2 | (octet & 0x33) << 2);
     return static_cast<uint8_t>((octet & 0xAA) >> 1 | (octet & 0x55) << 1);
-}
-
-BACNET_DATE_TIME BACnetLogRecord::toLocalDateTime(const Poco::Timestamp& timestamp) {
-    const Poco::LocalDateTime local{Poco::DateTime(timestamp)};
-    BACNET_DATE_TIME value;
-    value.date.year = static_cast<uint16_t>(local.year());
-    value.date.month = static_cast<uint8_t>(local.month());
-    value.date.day = static_cast<uint8_t>(local.day());
-    value.date.wday = static_cast<uint8_t>(local.dayOfWeek() == 0 ? 7 : local.dayOfWeek());
-    value.time.hour = static_cast<uint8_t>(local.hour());
-    value.time.min = static_cast<uint8_t>(local.minute());
-    value.time.sec = static_cast<uint8_t>(local.second());
-    value.time.hundredths = static_cast<uint8_t>(local.millisecond() / 10);
-    return value;
-}
-
-bool BACnetLogRecord::fromLocalDateTime(const BACNET_DATE_TIME& value, Poco::Timestamp& out) {
-    // Devices that do not resolve hundredths send them unspecified; the moment is still known.
-    const int millisecond = value.time.hundredths == 255 ? 0 : value.time.hundredths * 10;
-    if (!Poco::DateTime::isValid(value.date.year, value.date.month, value.date.day, value.time.hour,
-                                 value.time.min, value.time.sec, millisecond, 0)) {
-        return false;
-    }
-    const Poco::LocalDateTime local(value.date.year, value.date.month, value.date.day, value.time.hour,
-                                    value.time.min, value.time.sec, millisecond, 0);
-    out = local.utc().timestamp();
-    return true;
 }
 
 }  // namespace DataType

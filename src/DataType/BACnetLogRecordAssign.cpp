@@ -1,4 +1,5 @@
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
+#include "TQ_BACnet/DataType/BACnetDateTime.h"
 
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/DataType/ANY.h"
@@ -65,7 +66,7 @@ BACnetLogRecord::BACnetLogRecord(const DataPropertyInObject0& /*descriptor*/, co
         cur = cur->next;
     }
     Poco::Timestamp moment;
-    if (!fromLocalDateTime(local, moment)) {
+    if (!BACnetDateTime::toTimestamp(local, moment)) {
         throw Poco::DataFormatException("BACnetLogRecord: the timestamp is not a moment in time");
     }
     setTimestamp(moment);

@@ -1,4 +1,5 @@
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
+#include "TQ_BACnet/DataType/BACnetDateTime.h"
 #include "TQ_BACnet/DataType/Error.h"
 
 #include "TQ/Utility/LogHelper.h"
@@ -35,7 +36,7 @@ void printLine(const char* text) {
 }  // namespace
 
 int BACnetLogRecord::encode(uint8_t* apdu) const {
-    const BACNET_DATE_TIME local = toLocalDateTime(_timestamp);
+    const BACNET_DATE_TIME local = BACnetDateTime::fromTimestamp(_timestamp);
     int len = bacapp_encode_context_datetime(apdu, TAG_TIMESTAMP, &local);
     len += encode_opening_tag(at(apdu, len), TAG_LOG_DATUM);
     len += encodeDatum(at(apdu, len));
@@ -99,7 +100,7 @@ int BACnetLogRecord::decode(const uint8_t* apdu, unsigned length) {
     int len = bacapp_decode_context_datetime(apdu, length, TAG_TIMESTAMP, &local);
     if (len < 0) return len;
     Poco::Timestamp moment;
-    if (len == 0 || !fromLocalDateTime(local, moment)) return BACNET_STATUS_ERROR;
+    if (len == 0 || !BACnetDateTime::toTimestamp(local, moment)) return BACNET_STATUS_ERROR;
     decoded.setTimestamp(moment);
 
     if (!decode_is_opening_tag_number(apdu + len, length - len, TAG_LOG_DATUM)) return NO_OPENING_TAG;

@@ -1,4 +1,5 @@
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
+#include "TQ_BACnet/DataType/BACnetDateTime.h"
 
 #include "TQ/Utility/BitBuffer.h"
 #include "TQ/Utility/OctetBuffer.h"
@@ -34,7 +35,7 @@ TQ::Utility::BitBuffer toBitBuffer(const uint8_t* bytes, unsigned bits) {
 }  // namespace
 
 void BACnetLogRecord::getDateTimeString(std::string& out) const {
-    const BACNET_DATE_TIME local = toLocalDateTime(_timestamp);
+    const BACNET_DATE_TIME local = BACnetDateTime::fromTimestamp(_timestamp);
     uint8_t bytes[16];
     const int len = bacapp_encode_datetime(bytes, &local);
     TQ::Utility::OctetBuffer::over(bytes, sizeof bytes, static_cast<std::size_t>(len))

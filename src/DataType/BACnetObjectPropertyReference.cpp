@@ -64,7 +64,7 @@ BACnetObjectPropertyReference::BACnetObjectPropertyReference(const DataPropertyI
     poco_assert(tag == BACNET_APPLICATION_TAG_OBJECT_ID);
     _objectIdentifier = ObjectIdentifier(v.type.Object_Id);
     const DataApplicationValue* current = nextOf(&v);
-    if (current != nullptr && current->tag == BACNET_APPLICATION_TAG_ENUMERATED) {
+    if (isMember(current, PROPERTY_TAG, BACNET_APPLICATION_TAG_ENUMERATED)) {
         _propertyIdentifier = static_cast<BACNET_PROPERTY_ID>(current->type.Enumerated);
         current = nextOf(current);
         if (isContextElement(current, INDEX_TAG, BACNET_APPLICATION_TAG_UNSIGNED_INT)) {
@@ -111,12 +111,6 @@ int BACnetObjectPropertyReference::encode(uint8_t* apdu) const {
     len += encode_context_enumerated(at(apdu, len), PROPERTY_TAG, _propertyIdentifier);
     if (hasArrayIndex()) len += encode_context_unsigned(at(apdu, len), INDEX_TAG, _arrayIndex);
     return len;
-}
-
-int BACnetObjectPropertyReference::encodeContext(uint8_t* apdu, uint8_t tag) const {
-    int len = encode_opening_tag(apdu, tag);
-    len += encode(at(apdu, len));
-    return len + encode_closing_tag(at(apdu, len), tag);
 }
 
 int BACnetObjectPropertyReference::decode(const uint8_t* apdu, unsigned length) {

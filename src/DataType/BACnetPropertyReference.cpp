@@ -63,14 +63,6 @@ void BACnetPropertyReference::getBACnetPrimitives(std::vector<DataApplicationVal
     if (hasArrayIndex()) appendUnsigned(out, _firstTag + 1, _arrayIndex);
 }
 
-int BACnetPropertyReference::encodeContext(uint8_t* apdu, uint8_t tag) const {
-    int len = encode_opening_tag(apdu, tag);
-    const int value = encode(at(apdu, len));
-    if (value < 0) return value;
-    len += value;
-    return len + encode_closing_tag(at(apdu, len), tag);
-}
-
 int BACnetPropertyReference::decode(const uint8_t* apdu, unsigned length) {
     if (apdu == nullptr || _firstTag > MAX_FIRST_TAG) return -1;
     const auto tag = static_cast<uint8_t>(_firstTag);

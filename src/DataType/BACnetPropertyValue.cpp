@@ -1,5 +1,6 @@
 #include "TQ_BACnet/DataType/BACnetPropertyValue.h"
 
+#include "ReferencePrimitives.h"
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "tq_stack/codec.h"
 
@@ -8,6 +9,8 @@
 namespace TQ {
 namespace BACnet {
 namespace DataType {
+
+using namespace ReferencePrimitives;
 
 namespace {
 
@@ -34,7 +37,7 @@ BACnetPropertyValue::BACnetPropertyValue(const DataPropertyInObject0& descriptor
         single.next = nullptr;
         _value.setApplicationValue(single, nullptr);
         current = static_cast<const DataApplicationValue*>(current->next);
-        if (current != nullptr && current->tag == BACNET_APPLICATION_TAG_UNSIGNED_INT) {
+        if (isMember(current, PRIORITY_TAG, BACNET_APPLICATION_TAG_UNSIGNED_INT)) {
             _priority = static_cast<int>(current->type.Unsigned_Int);
             current = static_cast<const DataApplicationValue*>(current->next);
         }
@@ -60,15 +63,6 @@ int BACnetPropertyValue::encode(uint8_t* apdu) const {
     return len;
 }
 
-int BACnetPropertyValue::encodeContext(uint8_t* apdu, uint8_t tag) const {
-    if (apdu == nullptr) return 0;
-    int len = encode_opening_tag(apdu, tag);
-    const int value = encode(apdu + len);
-    if (value < 0) return value;
-    len += value;
-    return len + encode_closing_tag(apdu + len, tag);
-}
-
 int BACnetPropertyValue::decode(const uint8_t* apdu, unsigned length) {
     BACnetPropertyReference reference(0u);
     int len = reference.decode(apdu, length);
@@ -82,7 +76,7 @@ int BACnetPropertyValue::decode(const uint8_t* apdu, unsigned length) {
         return len;
     }
     const int enclosed = bacnet_enclosed_data_length(apdu + len, left());
-    if (enclosed <= 0) return -1;
+    if (enclosed < 0) return -1;
     const uint8_t* content = apdu + len + 1;  // opening tag [2] is one byte
     std::vector<DataApplicationValue> values;
     for (int pos = 0; pos < enclosed;) {
@@ -98,8 +92,12 @@ int BACnetPropertyValue::decode(const uint8_t* apdu, unsigned length) {
     len += priorityLen;
 
     static_cast<BACnetPropertyReference&>(*this) = reference;
-    _value.setApplicationValueLinks(values);
-    _value.setApplicationValue(values.front(), nullptr);
+    if (values.empty()) {
+        _value.setEmpty();
+    } else {
+        _value.setApplicationValueLinks(values);
+        _value.setApplicationValue(values.front(), nullptr);
+    }
     _priority = priorityLen > 0 ? static_cast<int>(priority) : NO_PRIORITY;
     return len;
 }

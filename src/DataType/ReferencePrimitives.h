@@ -35,6 +35,19 @@ inline bool isContextElement(const DataApplicationValue* value, unsigned context
            value->tag == tag;
 }
 
+/// A member under context tag `contextTag` of application type `tag`; an application-tagged
+/// primitive of that type is taken too (values built by hand carry no context tags).
+inline bool isMember(const DataApplicationValue* value, unsigned contextTag, BACNET_APPLICATION_TAG tag) {
+    return value != nullptr && value->tag == tag && (!value->context_specific || value->context_tag == contextTag);
+}
+
+/// "No device" as the reference classes hold it: type 0, instance 0. The codec's own marker
+/// (all ones) and any other type that is not a device read the same way (`hasDevice`).
+inline void clearDevice(BACNET_OBJECT_ID& device) {
+    device.type = 0;
+    device.instance = 0;
+}
+
 /// Appends `value` as the member under context tag `contextTag`.
 inline void appendContext(std::vector<DataApplicationValue>& out, unsigned contextTag,
                           DataApplicationValue value) {

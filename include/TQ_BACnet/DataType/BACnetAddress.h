@@ -57,8 +57,6 @@ public:
     int encode(uint8_t* apdu) const override;
     /// Appends the encoding to `buffer`; the buffer's new size.
     int encode(TQ::Utility::OctetBuffer& buffer) const;
-    using BACnetComplex::encodeContext;
-    int encodeContext(uint8_t* apdu, uint8_t tag) const;
 
     using BACnetComplex::decode;
     using BACnetComplex::decodeContext;
@@ -78,6 +76,9 @@ public:
     /// does not change the text.
     void getString(std::string& out, bool) const;
     using BACnetComplex::getString;
+    /// A Sequence of network-number, mac-address and, for a remote network, router-address, the
+    /// addresses as their texts. `arrayMarker` goes to each member.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     bool operator==(const BACnetAddress& other) const;
     bool operator!=(const BACnetAddress& other) const { return !(*this == other); }

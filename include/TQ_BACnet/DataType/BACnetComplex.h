@@ -35,11 +35,12 @@ public:
 
     virtual int encode(uint8_t* apdu) const = 0;
     /// `encode` between opening and closing tag `tag`; 0 for a null buffer.
-    virtual int encodeContext(uint8_t* apdu, uint8_t tag);
+    virtual int encodeContext(uint8_t* apdu, uint8_t tag) const;
     virtual int decode(const uint8_t* apdu) { return decode(apdu, MAX_DECODE_LENGTH); }
     virtual int decode(const uint8_t* apdu, unsigned length) = 0;
-    /// The value between opening and closing tag `tag` (each one byte); the value's length + 2,
-    /// or -1 when either tag is missing or the value does not decode.
+    /// The value between opening and closing tag `tag` (one octet each below tag 15, two from
+    /// 15 on); the value's length plus the framing, or -1 when either tag is missing or the
+    /// value does not decode.
     virtual int decodeContext(const uint8_t* apdu, uint8_t tag) {
         return decodeContext(apdu, MAX_DECODE_LENGTH, tag);
     }

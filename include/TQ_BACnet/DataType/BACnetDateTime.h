@@ -55,6 +55,9 @@ public:
     bool setString(const std::string& text) override;
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;
     BACnetDataType getBACnetDataType() const override { return DATA_TYPE; }
+    /// One complete DateTime markup in ISO 8601 with the local time zone; a value that names no
+    /// moment (unspecified or impossible fields) shows as its date and time texts instead.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     Date getDate() const { return Date(date); }
     Time getTime() const { return Time(time); }
@@ -69,6 +72,14 @@ public:
     /// Hundredths truncated from the milliseconds; the weekday follows the date (Sunday 7).
     void setLocalDateTime(const Poco::LocalDateTime& local);
     void setTimestamp(Poco::Timestamp ts);
+    /// The local date-time of a moment, weekday and hundredths included.
+    static BACnet_DateTime fromTimestamp(const Poco::Timestamp& moment);
+    /// The moment a local date-time names; false for unspecified or impossible fields.
+    /// Unspecified hundredths only blur the moment, so they count as 0.
+    static bool toTimestamp(const BACnet_DateTime& value, Poco::Timestamp& out);
+    /// Rounded down to a whole hundredth of a second, the finest a date-time holds (towards the
+    /// past for moments before 1970 too).
+    static Poco::Timestamp toHundredths(const Poco::Timestamp& moment);
     /// Seconds since the epoch through the C library's local time; hundredths are dropped.
     long get() const;
     void set(long seconds);

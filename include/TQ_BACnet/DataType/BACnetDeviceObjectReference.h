@@ -61,10 +61,11 @@ public:
     void setDeviceIdentifier(ObjectIdentifier device);
     void setObjectIdentifier(ObjectIdentifier object);
 
-    /// High 32 bits the packed device identifier, low 32 bits the packed object identifier.
+    /// High 32 bits the packed device identifier (0 without a device), low 32 bits the packed
+    /// object identifier.
     unsigned long long getKey() const;
     /// Accepts a key made by `getKey` and one whose high word is a bare device instance; a high
-    /// word of all ones means no device.
+    /// word of all ones or 0 means no device (device 0 is keyed by its packed identifier).
     void setKey(unsigned long long key);
 
     /// Device and object compared as packed identifiers.

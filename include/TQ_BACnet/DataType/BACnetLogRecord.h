@@ -210,12 +210,6 @@ public:
     bool operator==(const BACnetLogRecord& other) const;
     bool operator!=(const BACnetLogRecord& other) const { return !(*this == other); }
 
-    /// The local date-time of a timestamp (hundredths kept, finer parts dropped, Sunday as 7).
-    static BACNET_DATE_TIME toLocalDateTime(const Poco::Timestamp& timestamp);
-    /// The moment of a local date-time; false, `out` unchanged, when the fields do not name one
-    /// (unspecified or out-of-range fields). Unspecified hundredths count as 0.
-    static bool fromLocalDateTime(const BACNET_DATE_TIME& value, Poco::Timestamp& out);
-
 private:
     /// Bit strings here keep bit 0 in the least significant bit, the wire in the most.
     static uint8_t mirror(uint8_t octet);

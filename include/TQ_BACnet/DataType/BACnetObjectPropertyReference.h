@@ -29,7 +29,6 @@ class BACnetObjectPropertyReference : public BACnetComplex {
 public:
     using BACnetComplex::decode;
     using BACnetComplex::decodeContext;
-    using BACnetComplex::encodeContext;
 
     /// The property identifier of a reference that names no property yet.
     static constexpr BACNET_PROPERTY_ID NO_PROPERTY = static_cast<BACNET_PROPERTY_ID>(0xFFFFFE);
@@ -57,8 +56,6 @@ public:
     BACnetObjectPropertyReference& operator=(const BACnet_Read_Range_Data& in);
 
     int encode(uint8_t* apdu) const override;
-    /// `encode` between opening and closing tag `tag`.
-    int encodeContext(uint8_t* apdu, uint8_t tag) const;
     int decode(const uint8_t* apdu, unsigned length) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_OBJECT_PROPERTY_REFERENCE; }
     /// The members as context-tagged primitives in encoding order, appended to `out`; the

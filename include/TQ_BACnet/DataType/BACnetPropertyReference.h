@@ -24,7 +24,6 @@ class BACnetPropertyReference : public BACnetComplex {
 public:
     using BACnetComplex::decode;
     using BACnetComplex::decodeContext;
-    using BACnetComplex::encodeContext;
 
     /// The property identifier of a reference that names no property yet.
     static constexpr BACNET_PROPERTY_ID NO_PROPERTY = static_cast<BACNET_PROPERTY_ID>(0xFFFFFE);
@@ -44,10 +43,10 @@ public:
 
     /// -1 when the first tag leaves no room for the index's tag (above 253).
     int encode(uint8_t* apdu) const override;
-    /// `encode` between opening and closing tag `tag`.
-    int encodeContext(uint8_t* apdu, uint8_t tag) const;
     int decode(const uint8_t* apdu, unsigned length) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_PROPERTY_REFERENCE; }
+    /// Not rendered on its own: Poco::NotImplementedException.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
     /// The members as context-tagged primitives in encoding order, appended to `out`; the
     /// primitive constructor reads them back.
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;

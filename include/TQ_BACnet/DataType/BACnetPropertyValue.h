@@ -13,7 +13,6 @@ class BACnetPropertyValue : public BACnetPropertyReference {
 public:
     using BACnetComplex::decode;
     using BACnetComplex::decodeContext;
-    using BACnetComplex::encodeContext;
 
     static constexpr int NO_PRIORITY = -1;
 
@@ -33,12 +32,13 @@ public:
     /// The reference, [2] the value, [3] the priority when present. The value's length is only
     /// known by encoding it, so a null buffer gives 0.
     int encode(uint8_t* apdu) const override;
-    int encodeContext(uint8_t* apdu, uint8_t tag) const;
     /// The reference, then, when present, [2] a value of application-tagged primitives and [3]
     /// the priority. -1 for a value that holds context-tagged (constructed) data: its type is
     /// only known to a caller that knows the object type.
     int decode(const uint8_t* apdu, unsigned length) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_PROPERTY_VALUE; }
+    /// Not rendered on its own: Poco::NotImplementedException.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     const ValueContainer& getValue() const { return _value; }
     ValueContainer& getValue() { return _value; }

@@ -43,6 +43,8 @@ public:
     int decode(const uint8_t* apdu, unsigned length) override;
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_RECIPIENT; }
+    /// A Choice holding "device" or, for any other choice, "address".
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     bool operator==(const BACnetRecipient& other) const;
     bool operator!=(const BACnetRecipient& other) const { return !(*this == other); }

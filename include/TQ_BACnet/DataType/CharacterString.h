@@ -8,6 +8,9 @@
 
 namespace TQ {
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 namespace DataType {
 
 /// A BACnet CharacterString as the codec holds it (character set, length, bytes).
@@ -27,6 +30,8 @@ public:
     /// The used bytes, in the string's own character set (no conversion).
     std::string getString() const { return std::string(value, length); }
     uint8_t getEncoding() const { return encoding; }
+    /// One complete String markup, escaped for the output format.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const;
 
     /// Same character set and same bytes.
     bool operator==(const BACnet_Character_String& other) const;

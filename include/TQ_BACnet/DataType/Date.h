@@ -10,6 +10,9 @@ class LocalDateTime;
 
 namespace TQ {
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 namespace DataType {
 
 /// A BACnet Date with its text form "yyyy-mm-dd[ w]", "*" standing for an unspecified field.
@@ -32,6 +35,8 @@ public:
     /// Midnight of this date. Fields are not checked here: an unspecified or special field
     /// (year 2155, month 13, day 32, ...) fails Poco's own range assertion.
     void getLocalDateTime(Poco::LocalDateTime& local) const;
+    /// One complete Date markup of the text form.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const;
 
     /// All four fields, the weekday included: dates that encode differently are different. Either
     /// side may be a plain codec date.

@@ -46,7 +46,7 @@ public:
                       BACNET_ERROR_CODE errorCode, unsigned offset);
 
     int encode(uint8_t*) const override { return -1; }
-    int encodeContext(uint8_t*, uint8_t) override { return -1; }
+    int encodeContext(uint8_t*, uint8_t) const override { return -1; }
     int decode(const uint8_t*) override { return -1; }
     int decode(const uint8_t*, unsigned) override { return -1; }
     int decodeContext(const uint8_t*, uint8_t) override { return -1; }

@@ -8,6 +8,9 @@
 
 namespace TQ {
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 
 class DataApplicationValue;
 
@@ -65,6 +68,10 @@ public:
     /// The BACnet/WS path segment "[/]<object-type name>,<instance>", the name read from the
     /// object-type enumeration of the catalogue (the number in decimal for an unnamed type).
     std::string getPath(bool leadingSlash) const;
+    /// One complete ObjectIdentifier markup "type,instance", the type by name when the factory
+    /// uses names; `comment` goes along as the markup's comment.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
+                const std::string& comment) const;
 
     bool operator==(const ObjectIdentifier& other) const { return _value == other._value; }
     bool operator!=(const ObjectIdentifier& other) const { return _value != other._value; }

@@ -48,6 +48,8 @@ public:
     /// Not supported: -1.
     int decode(const uint8_t*, unsigned) override { return -1; }
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_READ_ACCESS_RESULT; }
+    /// Writes nothing: the services render what these records carry.
+    void markup(WS::MarkupFactory&, const std::string&, bool) const override {}
 
 private:
     ObjectIdentifier _object;

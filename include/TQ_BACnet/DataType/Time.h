@@ -6,6 +6,9 @@
 
 namespace TQ {
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 namespace DataType {
 
 /// A BACnet Time with its text form "hh.mm.ss.hh", "*" standing for an unspecified field.
@@ -24,6 +27,8 @@ public:
     /// Replaces `out` by the text form; Poco::RangeException for a field out of range.
     static std::string& getString(const BACnet_Time& time, std::string& out);
     std::string getString() const;
+    /// One complete Time markup of the text form.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const;
 
     /// Either side may be a plain codec time.
     friend bool operator==(const Time& a, const Time& b) {

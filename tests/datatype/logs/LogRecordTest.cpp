@@ -3,6 +3,7 @@
 #include "TQ_BACnet/DataError.h"
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/DataType/ANY.h"
+#include "TQ_BACnet/DataType/BACnetDateTime.h"
 #include "TQ_BACnet/DataType/BACnetLogMultipleRecord.h"
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
 #include "TQ_BACnet/ValueContainer.h"
@@ -79,7 +80,7 @@ DataApplicationValue bits(const std::string& text) {
 }
 
 std::vector<DataApplicationValue> timestampPrimitives() {
-    const BACNET_DATE_TIME local = BACnetLogRecord::toLocalDateTime(thursdayMorning());
+    const BACNET_DATE_TIME local = TQ::BACnet::DataType::BACnetDateTime::fromTimestamp(thursdayMorning());
     DataApplicationValue date, time;
     date.tag = BACNET_APPLICATION_TAG_DATE;
     date.type.Date = local.date;

@@ -5,7 +5,6 @@
 #include "tq_stack/datetime.h"
 #include "tq_stack/references.h"
 
-#include <Poco/DateTime.h>
 
 namespace TQ {
 namespace BACnet {
@@ -13,43 +12,16 @@ namespace DataType {
 namespace Proprietary {
 namespace Vendor947 {
 
-namespace {
-
-constexpr Poco::Timestamp::TimeDiff HUNDREDTH = 10000;
-constexpr uint8_t UNSPECIFIED = 255;
-
-Poco::Timestamp toHundredths(const Poco::Timestamp& moment) {
-    const Poco::Timestamp::TimeVal us = moment.epochMicroseconds();
-    // Round towards the past for moments before the epoch too.
-    Poco::Timestamp::TimeVal rest = us % HUNDREDTH;
-    if (rest < 0) rest += HUNDREDTH;
-    return Poco::Timestamp(us - rest);
-}
-
-/// The moment a local date-time names; false for one with unspecified or impossible fields.
-/// Unspecified hundredths only blur the moment, so they count as 0.
-bool toTimestamp(BACNET_DATE_TIME value, Poco::Timestamp& out) {
-    if (value.time.hundredths == UNSPECIFIED) value.time.hundredths = 0;
-    if (!Poco::DateTime::isValid(value.date.year, value.date.month, value.date.day, value.time.hour,
-                                 value.time.min, value.time.sec, value.time.hundredths * 10, 0)) {
-        return false;
-    }
-    out = BACnetDateTime::getTimestamp(value);
-    return true;
-}
-
-}  // namespace
-
-BACnetTrendLogLastUploaded::BACnetTrendLogLastUploaded() : _uploaded(toHundredths(Poco::Timestamp())) {}
+BACnetTrendLogLastUploaded::BACnetTrendLogLastUploaded() : _uploaded(BACnetDateTime::toHundredths(Poco::Timestamp())) {}
 
 BACnetTrendLogLastUploaded::BACnetTrendLogLastUploaded(ObjectIdentifier device, ObjectIdentifier object,
                                                        const Poco::Timestamp& uploaded)
-    : BACnetDeviceObjectReference(device, object), _uploaded(toHundredths(uploaded)) {}
+    : BACnetDeviceObjectReference(device, object), _uploaded(BACnetDateTime::toHundredths(uploaded)) {}
 
 BACnetTrendLogLastUploaded::BACnetTrendLogLastUploaded(const DataPropertyInObject0&,
                                                        const DataApplicationValue& v,
                                                        const DataApplicationValue** next)
-    : _uploaded(toHundredths(Poco::Timestamp())) {
+    : _uploaded(BACnetDateTime::toHundredths(Poco::Timestamp())) {
     const DataApplicationValue* last = &v;
     takePrimitives(v, &last);
     // The reference's walk stops on the last primitive it looked at; step past it when taken.
@@ -66,7 +38,7 @@ BACnetTrendLogLastUploaded::BACnetTrendLogLastUploaded(const DataPropertyInObjec
             current = static_cast<const DataApplicationValue*>(current->next);
         }
         Poco::Timestamp moment;
-        if (toTimestamp(uploaded, moment)) _uploaded = toHundredths(moment);
+        if (BACnetDateTime::toTimestamp(uploaded, moment)) _uploaded = BACnetDateTime::toHundredths(moment);
     }
     if (next) *next = current;
 }
@@ -74,7 +46,7 @@ BACnetTrendLogLastUploaded::BACnetTrendLogLastUploaded(const DataPropertyInObjec
 BACnetTrendLogLastUploaded::~BACnetTrendLogLastUploaded() = default;
 
 void BACnetTrendLogLastUploaded::setTimestamp(const Poco::Timestamp& uploaded) {
-    _uploaded = toHundredths(uploaded);
+    _uploaded = BACnetDateTime::toHundredths(uploaded);
 }
 
 void BACnetTrendLogLastUploaded::getBACnetPrimitives(std::vector<DataApplicationValue>& out) const {
@@ -100,10 +72,10 @@ int BACnetTrendLogLastUploaded::decode(const uint8_t* apdu, unsigned length) {
     BACNET_DATE_TIME uploaded;
     const int timeLen = bacapp_decode_datetime(apdu + len, length - len, &uploaded);
     Poco::Timestamp moment;
-    if (timeLen <= 0 || !toTimestamp(uploaded, moment)) return -1;
+    if (timeLen <= 0 || !BACnetDateTime::toTimestamp(uploaded, moment)) return -1;
     // Through the reference's own decoder, so "no device" reads as it does there.
     BACnetDeviceObjectReference::decode(apdu, static_cast<unsigned>(len));
-    _uploaded = toHundredths(moment);
+    _uploaded = BACnetDateTime::toHundredths(moment);
     return len + timeLen;
 }
 
