@@ -1,6 +1,6 @@
 # Everything here comes from Debian packages that scripts/deps.sh installs.
 find_package(Threads REQUIRED)
-find_package(Poco 1.11 REQUIRED COMPONENTS Foundation Data DataSQLite JSON Encodings Net Util)
+find_package(Poco 1.11 REQUIRED COMPONENTS Foundation Data DataSQLite JSON Encodings Net Util XML)
 find_package(SQLite3 REQUIRED)
 if(TQ_BUILD_TESTS)
   find_package(GTest REQUIRED)

@@ -1,0 +1,153 @@
+#include "TQ_BACnet/WS/MarkupFactoryJSON.h"
+
+#include "MarkupText.h"
+
+namespace TQ {
+namespace BACnet {
+namespace WS {
+
+namespace {
+
+bool isVendorType(const std::string& text) {
+    return text.compare(0, 4, "947.") == 0;
+}
+
+}  // namespace
+
+void MarkupFactoryJSON::reset() {
+    MarkupFactory::reset();
+    _first = true;
+}
+
+void MarkupFactoryJSON::embeddStart() {
+    _out.put('{');
+}
+
+void MarkupFactoryJSON::embeddEnd() {
+    _out.put('}');
+}
+
+void MarkupFactoryJSON::append(const std::string& text) {
+    if (!_first) _out.put(',');
+    _first = false;
+    _out.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+void MarkupFactoryJSON::writeString(const std::string& text) {
+    std::string quoted;
+    quoted.reserve(text.size() + 2);
+    quoted += '"';
+    MarkupText::appendJson(quoted, text);
+    quoted += '"';
+    _out.write(quoted.data(), static_cast<std::streamsize>(quoted.size()));
+}
+
+// Boolean to Double are bare numbers; everything else, and a number whose text is no JSON
+// number (NaN, an empty null), is a string.
+void MarkupFactoryJSON::writeValue(BaseType baseType, const std::string& value, unsigned int flags) {
+    const bool bare = baseType >= BT_BOOLEAN && baseType <= BT_DOUBLE && !(flags & MF_QUOTE) &&
+                      MarkupText::isJsonScalar(value);
+    if (bare)
+        _out.write(value.data(), static_cast<std::streamsize>(value.size()));
+    else
+        writeString(value);
+}
+
+void MarkupFactoryJSON::writeMetadata(const std::vector<MetadataValue>& metadata, unsigned int flags) {
+    for (const MetadataValue& item : metadata) {
+        if (!_metadata.isQueryOption(item.getMetadata())) continue;
+        if (item.getMetadata() == Metadata::METADATA_TYPE && !isVendorType(item.getValue())) continue;
+        const std::string member = item.getName(",\"$", "\":");
+        if (member.empty()) continue;
+        _out.write(member.data(), static_cast<std::streamsize>(member.size()));
+        if (!(flags & MF_QUOTE) && MarkupText::isJsonScalar(item.getValue()))
+            _out.write(item.getValue().data(), static_cast<std::streamsize>(item.getValue().size()));
+        else
+            writeString(item.getValue());
+    }
+}
+
+int MarkupFactoryJSON::descMarkup(BaseType baseType, const std::string& name, const std::string& value,
+                                  unsigned int flags, const std::vector<MetadataValue>* metadata) {
+    const bool root = (flags & MF_ROOT) != 0;
+    const bool complete = (flags & MF_COMPLETE) != 0;
+    const bool visible = shouldValueBeVisibleForBaseType(baseType);
+    const bool showValue = visible && !((flags & MF_OMIT_EMPTY) && value.empty());
+
+    if (!_first) _out.put(',');
+    _first = false;
+
+    if (_metadata.getCategories() == 0) {
+        if (root) {
+            _out.put('{');
+            _first = true;
+            if (showValue) {
+                _out.write("\"$value\":", 9);
+                writeValue(baseType, value, flags);
+                _first = false;
+            }
+        } else {
+            // Inside an object every member needs a key: an unnamed one is keyed by its base type,
+            // as in the expanded form.
+            writeString(name.empty() ? "$" + getBaseTypeName(baseType) : name);
+            _out.put(':');
+            if (!visible || !complete) {
+                // Children follow: a value of its own goes first, as in a root.
+                _out.put('{');
+                _first = true;
+                if (visible && showValue) {
+                    _out.write("\"$value\":", 9);
+                    writeValue(baseType, value, flags);
+                    _first = false;
+                }
+            } else if (showValue) {
+                writeValue(baseType, value, flags);
+            } else {
+                _out.write("null", 4);  // the value left out; the member stays valid JSON
+            }
+        }
+        // A complete root or constructed markup closes the object it opened.
+        if (complete && (root || !visible)) {
+            _out.put('}');
+            _first = false;
+        }
+        return 0;
+    }
+
+    if (root) {
+        _out.put('{');
+    } else if (!name.empty()) {
+        writeString(name);
+        _out.write(":{", 2);
+    } else {
+        std::string member = "\"$" + getBaseTypeName(baseType) + "\":{";
+        _out.write(member.data(), static_cast<std::streamsize>(member.size()));
+    }
+    std::string base = "\"$base\":\"" + getBaseTypeName(baseType) + "\"";
+    _out.write(base.data(), static_cast<std::streamsize>(base.size()));
+    if (!name.empty()) {
+        if (showValue) {
+            _out.write(",\"$value\":", 10);
+            writeValue(baseType, value, flags);
+        }
+        if (metadata != nullptr) writeMetadata(*metadata, flags);
+    }
+    if (complete) _out.put('}');
+    return 0;
+}
+
+void MarkupFactoryJSON::descCloseOpenMarkup(const std::string&, bool arrayMarker) {
+    if (arrayMarker) return;
+    _out.put('}');
+    _first = false;
+}
+
+void MarkupFactoryJSON::descStringEncode(std::string& text) {
+    std::string encoded;
+    MarkupText::appendJson(encoded, text);
+    text.swap(encoded);
+}
+
+}  // namespace WS
+}  // namespace BACnet
+}  // namespace TQ
