@@ -3,10 +3,15 @@
 #include "TQ_BACnet/DataType/ANY.h"
 #include "TQ_BACnet/Utility/ConvertIt.h"
 #include "tq_stack/bactext.h"
+#include "tq_stack/config.h"
 
 #include <Poco/Exception.h>
 #include <Poco/NumberParser.h>
 #include <Poco/String.h>
+#include <Poco/StringTokenizer.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace TQ {
 namespace BACnet {
@@ -98,11 +103,24 @@ std::string ObjectJSON::getCharacterString(bool strict) const {
 
 DataType::BitString ObjectJSON::getBitString(bool strict) const {
     const std::string value = text(BACNET_DT_BIT_STRING, strict);
-    BACnet_Bit_String bits;
-    if (!Utility::ConvertIt::getBACnetBitString(value, bits))
-        throw Poco::BadCastException("BACnet::WS::ObjectJSON::getBitString() \"" + value + "\" is no bit string");
     DataType::BitString out;
-    Utility::ConvertIt::setBitBuffer(bits, out);
+    BACnet_Bit_String bits;
+    if (Utility::ConvertIt::getBACnetBitString(value, bits)) {
+        Utility::ConvertIt::setBitBuffer(bits, out);
+        return out;
+    }
+    // The writer's form without names: the numbers of the bits set, separated by ";".
+    std::vector<unsigned> set;
+    for (const std::string& number : Poco::StringTokenizer(value, ";", Poco::StringTokenizer::TOK_TRIM)) {
+        unsigned bit = 0;
+        if (!Poco::NumberParser::tryParseUnsigned(number, bit) || bit >= MAX_BITSTRING_BYTES * 8)
+            throw Poco::BadCastException("BACnet::WS::ObjectJSON::getBitString() \"" + value + "\" is no bit string");
+        set.push_back(bit);
+    }
+    unsigned used = 0;
+    for (unsigned bit : set) used = std::max(used, bit + 1);
+    out.setBitsUsed(used);
+    for (unsigned bit : set) out.setBit(bit, true);
     return out;
 }
 

@@ -24,7 +24,8 @@ void ObjectJSON::setValue(const DataType::ANY& any) {
                                                 std::to_string(_descriptor.datatype) + " is not a primitive");
         position += static_cast<unsigned>(used);
         bool ok = true;
-        texts.push_back(value.getText(false, _descriptor.datatype, &ok, nullptr, false));
+        // Bits as booleans: without names, the one form every bit-string reader takes.
+        texts.push_back(value.getText(false, _descriptor.datatype, &ok, nullptr, true));
     }
     if (texts.size() == 1 && _descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
         set("$value", texts.front());

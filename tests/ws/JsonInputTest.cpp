@@ -3,11 +3,15 @@
 #include "TQTestSupport.h"
 #include "TQ/BACnet/Client/DataPropertyKey.h"
 #include "TQ/Utility/OctetBuffer.h"
+#include "TQ_BACnet/DataType/ANY.h"
 #include "TQ_BACnet/WS/DataWsError.h"
 #include "TQ_BACnet/WS/EncoderJSON.h"
 #include "TQ_BACnet/WS/ObjectJSON.h"
 
 #include <Poco/Exception.h>
+#include <Poco/JSON/JSONException.h>
+
+#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -277,4 +281,46 @@ TEST(ObjectJSON, ShapeOfTheObject) {
     EXPECT_FALSE(flags.isBitStringBitSet("fault"));
     flags.set("$value", "in-alarm; out-of-service");
     EXPECT_FALSE(flags.isBitStringBitSet("out-of-service"));
+}
+
+TEST(AnyJson, BuiltFromJsonAndReadAsPrimitives) {
+    TQTest::Catalogue::open();
+    using TQ::BACnet::DataType::ANY;
+    const ANY real(descriptor(4, 4, 0, false), R"({"$value":21.5})");
+    unsigned length = 0;
+    const uint8_t* bytes = real.getValue(&length);
+    EXPECT_EQ(Bytes(bytes, bytes + length), hex("44 41AC0000"));
+    EXPECT_FLOAT_EQ(real.getReal(true), 21.5f);
+    EXPECT_EQ(real.getText(";"), "21.5");
+
+    const ANY count(UNSIGNED, R"({"$value":17})");
+    EXPECT_FLOAT_EQ(count.getReal(false), 17.0f);
+    EXPECT_EQ(count.getUnsignedInt(true), 17u);
+    struct Strict {
+        std::function<void()> read;
+        const char* message;
+    };
+    const Strict refusals[] = {
+        {[&] { count.getReal(true); }, "ANY strict conversion value is not real"},
+        {[&] { count.getDouble(true); }, "ANY strict conversion value is not double"},
+        {[&] { count.getSignedInt(true); }, "ANY strict conversion value is not signed-integer"},
+        {[&] { count.getEnumerated(true); }, "ANY strict conversion value is not enumerate"},
+        {[&] { count.getBoolean(true); }, "ANY strict conversion value is not boolean"},
+        {[&] {
+             TQ::Utility::BitBuffer bits;
+             count.getBitString(bits, true);
+         },
+         "ANY strict conversion value is not bit-string"},
+        {[&] { ANY(OBJECT_LIST, R"({"1":"device,1"})").getUnsignedInt(true); },
+         "ANY strict conversion value is not unisigned-integer"},
+    };
+    for (const Strict& s : refusals) EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>(s.read), s.message);
+
+    TQ::Utility::BitBuffer bits;
+    ANY(STATUS_FLAGS, R"({"$value":"fault"})").getBitString(bits, true);
+    EXPECT_EQ(bits.getBitsString(), "0100");
+    EXPECT_EQ(ANY(OBJECT_LIST, R"({"1":"device,1","2":"device,2"})").getText(" | "), "device,1 | device,2");
+    EXPECT_EQ(ANY(REFERENCE, R"({"object-identifier":"analog-input,1","property-identifier":85})").getText(";"),
+              "0C000000011955");
+    EXPECT_THROW(ANY(REAL, R"({"$value":)"), Poco::JSON::JSONException);
 }
