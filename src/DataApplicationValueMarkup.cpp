@@ -7,7 +7,8 @@ namespace BACnet {
 void DataApplicationValue::markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
                                   BACnetDataType dataType, bool root, int level, bool bitsAsBooleans) const {
     bool ok = false;
-    std::string text = getText(factory.getUseNames(), dataType, &ok, &factory, bitsAsBooleans);
+    // Unescaped: the writer escapes the value itself, so escaping here too would show "&amp;lt;".
+    std::string text = getText(factory.getUseNames(), dataType, &ok, nullptr, bitsAsBooleans);
     if (!ok) text = "???";
     const auto baseType =
         static_cast<WS::MarkupFactory::BaseType>(isNull() ? 0u : static_cast<unsigned>(tag));

@@ -36,8 +36,10 @@ void MarkupFactory::markup(BaseType baseType, const std::string& name, const std
     if (omitEmptyValue) flags |= MF_OMIT_EMPTY;
     if (_quoteValues) flags |= MF_QUOTE;
 
-    // The order of the items is the order writers print them in.
-    std::vector<MetadataValue> metadata;
+    // The order of the items is the order writers print them in. The list is the factory's
+    // own, reused from markup to markup.
+    std::vector<MetadataValue>& metadata = _metadataScratch;
+    metadata.clear();
     addText(metadata, Metadata::METADATA_DISPLAY_NAME, displayName);
     if (isCollection(baseType))
         addText(metadata, Metadata::METADATA_MEMBER_TYPE, type);

@@ -1,12 +1,16 @@
 #pragma once
 
 #include "TQ_BACnet/BACnetDataType.h"
+#include "TQ_BACnet/Entity/BnDataTypeConstruct.h"
 #include "TQ_BACnet/WS/Metadata.h"
 #include "TQ_BACnet/WS/MetadataValue.h"
 
 #include "tq_stack/enums.h"
 
 #include <Poco/DeflatingStream.h>
+#include <Poco/HashMap.h>
+#include <Poco/Mutex.h>
+#include <Poco/Nullable.h>
 
 #include <deque>
 #include <memory>
@@ -14,8 +18,13 @@
 #include <string>
 #include <vector>
 
+struct BACnet_Application_Data_Value;
+
 namespace TQ {
 namespace BACnet {
+
+class DataApplicationValue;
+
 namespace WS {
 
 /// The writer every value renders itself through. A value is described as a tree of markups
@@ -169,6 +178,52 @@ public:
     void flush();
     void stringEncode(std::string& text);
 
+    // --- rendering from the type catalogue ----------------------------------------------------
+    // A constructed value arrives as a flat run of decoded primitives (opening and closing tags
+    // as pseudo values 17 and 18); these walk the type's catalogue definition over the run,
+    // advancing the cursor over what they render. A null current value ends the run. Nothing is
+    // read past it, and nothing throws for a type the catalogue lacks: that renders as an "Any"
+    // markup with the value "truncated" and lastErrorCode 200.
+
+    using DataTypeAndName = Entity::BnDataTypeConstruct::DataTypeAndName;
+    /// The walk's cursor over a run of the codec's values (a chain of DataApplicationValue
+    /// qualifies: its links point at the same base).
+    using ValueCursor = const BACnet_Application_Data_Value**;
+
+    static constexpr int ERROR_UNKNOWN_TYPE = 200;
+    static constexpr int ERROR_RENDERING = 300;
+
+    /// Renders one value of `type` named `name`; `contextNr` imposes a context tag (null: the
+    /// catalogue's). False when the run does not match the type; lastErrorCode tells why.
+    bool markup2(BACnetDataType type, DataApplicationValue** cursor, const std::string& name, bool root,
+                 const Poco::Nullable<unsigned char>& contextNr);
+    bool markup2(BACnetDataType type, ValueCursor cursor, const std::string& name, bool root,
+                 const Poco::Nullable<unsigned char>& contextNr);
+    /// Renders one member; `checkContext` compares its context tag with the value's,
+    /// `renderMismatch` shows a value of the wrong tag rather than leaving it.
+    bool markup3(const DataTypeAndName& member, ValueCursor cursor, bool root, bool checkContext,
+                 bool renderMismatch);
+    /// A sequence fails at its first missing mandatory member; a choice (`isChoice`) succeeds at
+    /// its first matching alternative.
+    bool markupSequenceInternal(const std::vector<DataTypeAndName>& members, ValueCursor cursor,
+                                bool isChoice);
+    bool markupChoiceInternal(const std::vector<DataTypeAndName>& members, ValueCursor cursor) {
+        return markupSequenceInternal(members, cursor, true);
+    }
+    /// Elements "1", "2", ... of `elementType` up to the closing tag or the end of the run.
+    bool markupSequenceOfInternal(BACnetDataType elementType, ValueCursor cursor,
+                                  const Poco::Nullable<std::string>& elementName);
+    bool markupPrimitiveInternal(const DataTypeAndName& member, ValueCursor cursor, bool root);
+
+    /// The name of an enumerated value or bit (with useNames), else the number.
+    void markupEnumOrBitStringValue(BACnetDataType type, int value, std::string& result) const;
+    /// The bn_adm_definition name of `value` of `type` in `column` (context_tag, value, ...);
+    /// one query caches the names of the eleven neighbouring values. The number when none.
+    void dbGetBnAdmDefName(BACnetDataType type, int value, std::string& result, std::string column,
+                           int level);
+    void dbGetBnTypeContextName(BACnetDataType type, int contextNr, std::string& result);
+    static uint64_t getBnDataTypeValueNameKey(BACnetDataType type, int value);
+
     // --- metadata ----------------------------------------------------------------------------
 
     unsigned int getMetadata() const { return _metadata.getCategories(); }
@@ -239,6 +294,23 @@ protected:
 
 private:
     void popOpenMarkup();
+    bool markupUnknownType(BACnetDataType type, const std::string& name, bool root);
+    bool markupMismatch(const DataTypeAndName& member, ValueCursor cursor, unsigned int expected,
+                        bool renderMismatch);
+    bool markupAbstractRun(const DataTypeAndName& member, ValueCursor cursor);
+    bool markupConstructed(const DataTypeAndName& member, const Entity::BnDataTypeConstruct& type,
+                           unsigned int kind, ValueCursor cursor, bool root);
+    void renderValue(const BACnet_Application_Data_Value& value, const std::string& name, BACnetDataType type,
+                     bool root, int level);
+
+    /// Set while the run being walked is a chain of DataApplicationValue, whose values render
+    /// as they are; values of the codec's own chain are copied first.
+    bool _runOfApplicationValues = false;
+    /// Reused for every markup's metadata, so that rendering does not allocate per markup.
+    std::vector<MetadataValue> _metadataScratch;
+
+    static Poco::HashMap<uint64_t, std::string> _bnDataTypeValueName;
+    static Poco::FastMutex _mutexBnDataTypeValueName;
 
     static const std::string _bts[BT_MAX];
 };
