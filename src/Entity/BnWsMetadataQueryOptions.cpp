@@ -62,7 +62,7 @@ const std::vector<unsigned int>& BnWsMetadataQueryOptions::retrieve(MetadataCate
                                                                     EntityServer& server) {
     server.setWhere(Names::CATAGORY_ENUM_VALUE + "=?");
     server.clearBinds();
-    server.addBind(category);
+    server.addBind(static_cast<unsigned int>(category));
     std::vector<BnWsMetadataQueryOptions> rows;
     if (server.retrieve(rows) < 1 || rows.empty())
         throw Poco::NotFoundException("WS Metadata Category " + std::to_string(category) +

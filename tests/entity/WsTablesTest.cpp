@@ -34,9 +34,11 @@ TEST(BnWsError, ErrorsLoadOnceAndUnknownCodesThrow) {
 }
 
 TEST(BnWsMetadataQueryOptions, CategoriesListTheirItemsInDatabaseOrder) {
+    using Cat = BnWsMetadataQueryOptions::MetadataCategory;
+    using Item = BnWsMetadataQueryOptions::Metadata;
     TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
     int before = db.queries("FROM bn_ws_metadata_query_options");
-    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(0, 123456));
+    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(Cat(0), Item(123456)));
     EXPECT_EQ(db.queries("FROM bn_ws_metadata_query_options"), before);
 
     // The order is the database's, whatever index it walks.
@@ -46,15 +48,15 @@ TEST(BnWsMetadataQueryOptions, CategoriesListTheirItemsInDatabaseOrder) {
         Poco::Data::Keywords::into(direct), Poco::Data::Keywords::now;
     ASSERT_EQ(direct.size(), 3u);
     before = db.queries("FROM bn_ws_metadata_query_options");
-    EXPECT_EQ(BnWsMetadataQueryOptions::find(2), direct);
-    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(2, 3));
-    EXPECT_FALSE(BnWsMetadataQueryOptions::isMetadata(2, 4));
-    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(4, 1));
+    EXPECT_EQ(BnWsMetadataQueryOptions::find(Cat(2)), direct);
+    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(Cat(2), Item(3)));
+    EXPECT_FALSE(BnWsMetadataQueryOptions::isMetadata(Cat(2), Item(4)));
+    EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(Cat(4), Item(1)));
     EXPECT_EQ(db.queries("FROM bn_ws_metadata_query_options") - before, 2);
 
-    EXPECT_EQ(TQTest::messageOf<Poco::NotFoundException>([] { BnWsMetadataQueryOptions::isMetadata(7, 1); }),
+    EXPECT_EQ(TQTest::messageOf<Poco::NotFoundException>([] { BnWsMetadataQueryOptions::isMetadata(Cat(7), Item(1)); }),
               "WS Metadata Category 7 not found in database");
-    EXPECT_THROW(BnWsMetadataQueryOptions::find(7), Poco::NotFoundException);
+    EXPECT_THROW(BnWsMetadataQueryOptions::find(Cat(7)), Poco::NotFoundException);
 }
 
 TEST(BnMarkupType, NamesBothWaysWithNullForUnknownNamesAndAnErrorForUnknownNumbers) {

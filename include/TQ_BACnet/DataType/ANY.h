@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQ/Utility/BitBuffer.h"
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/DataType/BACnetComplex.h"
@@ -33,6 +34,10 @@ public:
     /// from decoded primitives, so it is empty and the cursor does not move.
     ANY(const DataPropertyInObject0& descriptor, const DataApplicationValue& first,
         const DataApplicationValue** next);
+    /// From the JSON body of a BACnet/WS write, encoded for `descriptor` (WS::EncoderJSON, whose
+    /// exceptions pass through).
+    ANY(const DataPropertyInObject0& descriptor, const std::string& json);
+    ANY(const DataPropertyInObject0& descriptor, const PropertyRef& ref, const std::string& json);
 
     ANY(const ANY&) = default;
     ANY& operator=(const ANY&) = default;
@@ -78,6 +83,21 @@ public:
     int getValueLength() const;
 
     bool operator==(const ANY& other) const;
+
+    /// The value read as one primitive. With `strict` the descriptor must name a single value of
+    /// the getter's application tag (Poco::BadCastException "ANY strict conversion value is not
+    /// ..." otherwise); the value itself is read through WS::ObjectJSON in the same mode.
+    unsigned int getUnsignedInt(bool strict) const;
+    float getReal(bool strict) const;
+    double getDouble(bool strict) const;
+    int getSignedInt(bool strict) const;
+    unsigned int getEnumerated(bool strict) const;
+    bool getBoolean(bool strict) const;
+    void getBitString(TQ::Utility::BitBuffer& out, bool strict) const;
+
+    /// A text for people: the values' texts joined by `separator` when every value is an
+    /// application-tagged primitive, otherwise the bytes in hexadecimal.
+    std::string getText(const std::string& separator) const;
 
 private:
     TQ::Utility::OctetBuffer _value;

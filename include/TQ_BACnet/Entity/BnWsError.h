@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQ_BACnet/Entity/Bn.h"
+#include "TQ_BACnet/WS/DataWsError.h"
 
 #include <Poco/HashMap.h>
 #include <Poco/Mutex.h>
@@ -21,8 +22,8 @@ namespace Entity {
 /// Name, HTTP status and text of every web-service error code (bn_ws_error), cached per code.
 class BnWsError : public Bn {
 public:
-    /// The web-service error code (the codes of the web-service error class).
-    using WsErrorCode = int;
+    /// Keyed by the web-service error codes that WS::DataWsError carries.
+    using WsErrorCode = WS::DataWsError::WS_ERROR_CODE;
 
     static const std::vector<const std::string*> _colNames;
     static constexpr int _COL_ID_BN_WS_ERROR = 0;

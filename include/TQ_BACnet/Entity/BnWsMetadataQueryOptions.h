@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQ_BACnet/Entity/Bn.h"
+#include "TQ_BACnet/WS/Metadata.h"
 
 #include <Poco/HashMap.h>
 #include <Poco/Mutex.h>
@@ -22,10 +23,10 @@ namespace Entity {
 class BnWsMetadataQueryOptions : public Bn {
 public:
     /// A metadata category and a metadata item of the web services, by number.
-    using MetadataCategory = unsigned int;
-    using Metadata = unsigned int;
+    using MetadataCategory = WS::Metadata::METADATA_CATEGORY;
+    using Metadata = WS::Metadata::METADATA;
     /// The category that offers every item.
-    static constexpr MetadataCategory kCategoryAll = 0;
+    static constexpr MetadataCategory kCategoryAll = WS::Metadata::METADATA_CAT_VALUE;
 
     static const std::vector<const std::string*> _colNames;
     static constexpr int _COL_ID = 0;

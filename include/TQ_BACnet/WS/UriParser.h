@@ -1,0 +1,71 @@
+#pragma once
+
+#include "TQ_BACnet/WS/DataWsError.h"
+#include "TQ_BACnet/WS/DotBACnetPathParams.h"
+#include "TQ_BACnet/WS/MarkupOptions.h"
+
+#include "tq_stack/enums.h"
+
+#include <Poco/URI.h>
+
+#include <string>
+#include <vector>
+
+namespace TQ {
+namespace BACnet {
+namespace WS {
+
+/// Reads a BACnet/WS request URI: its query options, and its path as a data path resolved to
+/// scope, device, object, property, array index and service, checked against the service, the
+/// HTTP method, the output format and the "depth" option. Every rejection leaves a web-service
+/// error code and text in a DataWsError; the first code set is kept.
+class UriParser {
+public:
+    /// Both parse the query options: an option that must be a number and is not raises
+    /// Poco::SyntaxException (the URI itself Poco's own syntax error).
+    explicit UriParser(const std::string& uri);
+    explicit UriParser(const Poco::URI& uri);
+
+    /// The gateway's own device instance, for ".device", ".self", ".this" and the shorthands.
+    static void setLocalDevInstance(unsigned int instance) { _localDevInstance = instance; }
+    static unsigned int getLocalDevInstance() { return _localDevInstance; }
+
+    static bool isPathBACnetRWRequest(const std::string& item);
+    static bool isPathBACnetServiceRequest(const std::string& item);
+    static bool isPathBACnetRequest(const std::string& item);
+
+    /// The stored URI's path, split at "/" (empty items dropped, blanks trimmed).
+    bool getAndValidatePath(DotBACnetPathParams& params, DataWsError& error);
+    /// The parser proper. False without touching `error` when the items are no BACnet/WS data
+    /// path; false with the error set for a rejected one. Never throws.
+    static bool getAndValidatePath(const std::vector<std::string>& items, DotBACnetPathParams& params,
+                                   DataWsError& error, MarkupOptions& options);
+    /// URI to parameters in one call that never throws: a malformed URI or option is a
+    /// web-service error (code 3) too.
+    static bool validateRequest(const std::string& uri, DotBACnetPathParams& params, DataWsError& error) noexcept;
+
+    /// Item converters: each sets the error and throws on a bad item.
+    static BACNET_OBJECT_TYPE getObjType(std::string item, DataWsError& error);
+    static unsigned int getObjInstance(const std::string& item, bool isDevice, DataWsError& error);
+    static BACNET_PROPERTY_ID getPropIdentifier(const std::string& item, DataWsError& error);
+
+    static std::string getScopeName(unsigned short network);
+    static std::string getScopeDisplayName(unsigned short network);
+
+    const Poco::URI& getUri() const { return _uri; }
+    const MarkupOptions& getOptions() const { return _options; }
+    MarkupOptions& getOptions() { return _options; }
+
+private:
+    static bool validate(const std::vector<std::string>& items, DotBACnetPathParams& params, DataWsError& error,
+                         MarkupOptions& options);
+
+    Poco::URI _uri;
+    MarkupOptions _options;
+
+    static unsigned int _localDevInstance;
+};
+
+}  // namespace WS
+}  // namespace BACnet
+}  // namespace TQ
