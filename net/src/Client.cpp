@@ -107,7 +107,7 @@ int Client::nextTimerMs() const {
 
 void Client::poll(int timeoutMs) {
     Received frame;
-    if (_link.receive(frame, std::min(timeoutMs, nextTimerMs()))) handle(frame);
+    if (_link.receive(frame, std::min(timeoutMs, nextTimerMs()))) dispatch(frame);
     checkTimers();
 }
 
@@ -154,7 +154,7 @@ void Client::abort(Transaction& t, uint8_t reason) {
     finish(t, Result::Abort);
 }
 
-void Client::handle(const Received& frame) {
+void Client::dispatch(const Received& frame) {
     const uint8_t* apdu = frame.apdu;
     const unsigned length = frame.apduLength;
     const uint8_t type = apdu[0] & kTypeMask;

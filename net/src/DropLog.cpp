@@ -23,7 +23,7 @@ static_assert(sizeof kTexts / sizeof kTexts[0] == unsigned(Drop::Count), "one te
 const char* DropLog::describe(Drop kind) { return kTexts[unsigned(kind)]; }
 
 void DropLog::note(Drop kind, const uint8_t from[6]) {
-    if (_counts[unsigned(kind)]++ != 0) return;
+    if (_counts[unsigned(kind)].fetch_add(1, std::memory_order_relaxed) != 0) return;
     std::cout << TQ::Utility::LogHelper::timeStamp() << " " << _name << ": dropped " << describe(kind)
               << " from " << unsigned(from[0]) << "." << unsigned(from[1]) << "." << unsigned(from[2]) << "."
               << unsigned(from[3]) << ":" << (unsigned(from[4]) << 8 | from[5])
@@ -32,7 +32,7 @@ void DropLog::note(Drop kind, const uint8_t from[6]) {
 
 unsigned DropLog::total() const {
     unsigned sum = 0;
-    for (unsigned c : _counts) sum += c;
+    for (const auto& c : _counts) sum += c.load(std::memory_order_relaxed);
     return sum;
 }
 

@@ -56,13 +56,20 @@ bool Link::send(const BACNET_ADDRESS& to, const uint8_t* apdu, unsigned length, 
         dest = foreign ? _bbmd : _socket.broadcastAddress();
     }
     bvlc_encode_npdu_header(_tx, function, npduLength);
-    return _socket.send(dest, _tx, npduLength + kHeadroom) == int(npduLength + kHeadroom);
+    transmit(dest, _tx, npduLength + kHeadroom);
+    return !_transmitFailed;
+}
+
+void Link::transmit(const uint8_t to[6], const uint8_t* frame, unsigned length) {
+    _transmitFailed = false;
+    if (_transmit) return _transmit(to, frame, length);
+    _transmitFailed = _socket.send(to, frame, length) != int(length);
 }
 
 void Link::sendResult(const uint8_t to[6], uint16_t code) {
     uint8_t frame[BVLC_RESULT_LEN];
     bvlc_encode_result(frame, code);
-    _socket.send(to, frame, sizeof frame);
+    transmit(to, frame, sizeof frame);
 }
 
 void Link::registerForeignDevice(const uint8_t bbmd[6], uint16_t timeToLive) {
@@ -71,7 +78,7 @@ void Link::registerForeignDevice(const uint8_t bbmd[6], uint16_t timeToLive) {
     if (_registration != Registration::Registered) _registration = Registration::Pending;
     uint8_t frame[BVLC_REGISTER_FOREIGN_DEVICE_LEN];
     bvlc_encode_register_foreign_device(frame, _ttl);
-    _socket.send(_bbmd, frame, sizeof frame);
+    transmit(_bbmd, frame, sizeof frame);
     ++_registrationsSent;
     // Half the time-to-live leaves room for a lost registration and its repetition; the BBMD
     // adds its own grace period of 30 seconds besides.
@@ -93,13 +100,16 @@ bool Link::receive(Received& out, int timeoutMs) {
     uint8_t from[6];
     const int n = _socket.receive(_rx, sizeof _rx, from, timeoutMs);
     if (n <= 0) return false;
-    std::memcpy(out.source.mac, from, 6);
-    return take(from, unsigned(n), out);
+    return take(_rx, unsigned(n), from, out);
 }
 
-bool Link::take(const uint8_t* from, unsigned length, Received& out) {
+bool Link::accept(const uint8_t* datagram, unsigned length, const uint8_t from[6], Received& out) {
+    return take(datagram, length, from, out);
+}
+
+bool Link::take(const uint8_t* datagram, unsigned length, const uint8_t from[6], Received& out) {
     BACNET_BVLC_MESSAGE m;
-    if (bvlc_decode(_rx, length, &m) < 0) {
+    if (bvlc_decode(datagram, length, &m) < 0) {
         _drops.note(Drop::BadBvlc, from);
         return false;
     }

@@ -80,12 +80,14 @@ public:
     /// The address a device was last seen at; false when unknown.
     bool addressOf(uint32_t deviceInstance, BACNET_ADDRESS& out) const;
 
+    /// Handles one APDU the link took (what `poll` does with each).
+    void dispatch(const Received& frame);
+
     unsigned outstanding() const;
     Link& link() { return _link; }
 
 private:
     struct Transaction;
-    void handle(const Received& frame);
     void handleIAm(const Received& frame, const uint8_t* data, unsigned length);
     void handleSegment(Transaction& t, const Received& frame, const uint8_t* apdu, unsigned length);
     void finish(Transaction& t, Result::Kind kind);

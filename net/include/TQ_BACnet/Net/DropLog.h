@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -27,14 +28,15 @@ class DropLog {
 public:
     explicit DropLog(std::string name) : _name(std::move(name)) {}
     void note(Drop kind, const uint8_t from[6]);
-    unsigned count(Drop kind) const { return _counts[unsigned(kind)]; }
+    /// Readable from any thread (a test watching a device's thread).
+    unsigned count(Drop kind) const { return _counts[unsigned(kind)].load(std::memory_order_relaxed); }
     unsigned total() const;
 
     static const char* describe(Drop kind);
 
 private:
     std::string _name;
-    unsigned _counts[unsigned(Drop::Count)] = {};
+    std::atomic<unsigned> _counts[unsigned(Drop::Count)] = {};
 };
 
 }  // namespace Net

@@ -6,6 +6,7 @@
 #include "tq_stack/values.h"
 
 #include <chrono>
+#include <functional>
 #include <cstdint>
 
 namespace TQ {
@@ -41,6 +42,13 @@ public:
     /// dropped meanwhile end the wait early as well).
     bool receive(Received& out, int timeoutMs);
 
+    /// Takes one datagram as if it had arrived from `from` (the receive path without the
+    /// socket). The datagram must stay valid while `out` is used.
+    bool accept(const uint8_t* datagram, unsigned length, const uint8_t from[6], Received& out);
+    /// Replaces the socket for everything sent (a harness that must not reach any network).
+    using Transmit = std::function<void(const uint8_t to[6], const uint8_t* frame, unsigned length)>;
+    void setTransmit(Transmit transmit) { _transmit = std::move(transmit); }
+
     /// Registers with the BBMD now and again before each time-to-live ends.
     void registerForeignDevice(const uint8_t bbmd[6], uint16_t timeToLive);
     Registration registration() const { return _registration; }
@@ -56,13 +64,16 @@ public:
     DropLog& drops() { return _drops; }
 
 private:
-    bool take(const uint8_t* from, unsigned length, Received& out);
+    bool take(const uint8_t* datagram, unsigned length, const uint8_t from[6], Received& out);
+    void transmit(const uint8_t to[6], const uint8_t* frame, unsigned length);
     bool takeNpdu(const uint8_t* npdu, unsigned length, const uint8_t source[6], bool broadcast, Received& out);
     void sendResult(const uint8_t to[6], uint16_t code);
     void reregisterWhenDue();
 
     BipSocket& _socket;
     DropLog _drops;
+    Transmit _transmit;
+    bool _transmitFailed = false;
     uint8_t _rx[1500];
     uint8_t _tx[1500];
     uint8_t _bbmd[6] = {};
