@@ -17,7 +17,7 @@ import sys
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
-from gen import asn, defs, objects, sql  # noqa: E402
+from gen import asn, defs, dialects, objects, sql  # noqa: E402
 from gen.errors import SourceError  # noqa: E402
 from gen.model import Builder, ws_productions  # noqa: E402
 
@@ -71,7 +71,7 @@ def render(builder):
     content = [sql.HEADER]
     for table in TABLE_ORDER:
         content.append(sql.inserts(table, builder.tables[table]))
-    return {"schema.sql": sql.schema(), "content.sql": "".join(content)}
+    return {"schema.sql": sql.schema(), "content.sql": "".join(content), **dialects.outputs()}
 
 
 def pin(builder, numbers_path):

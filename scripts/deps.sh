@@ -9,6 +9,7 @@ packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang libclang-rt-14-dev clang-format clang-tidy valgrind
   tshark
+  postgresql libpq-dev
 )
 
 missing=()

@@ -4,4 +4,5 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
 scripts/build.sh
-ctest --test-dir "${TQ_BUILD_DIR:-build}" --output-on-failure -j "$(nproc)"
+# A throwaway PostgreSQL server for the tests that also run on PostgreSQL.
+scripts/with-postgres.sh ctest --test-dir "${TQ_BUILD_DIR:-build}" --output-on-failure -j "$(nproc)"

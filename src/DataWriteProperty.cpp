@@ -1,6 +1,7 @@
 #include "TQ_BACnet/DataWriteProperty.h"
 
 #include "TQ/Utility/OctetBuffer.h"
+#include "TQ_BACnet/DataType/BACnetDeviceObjectPropertyReference.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,6 +29,13 @@ bool DataWriteProperty::set(BACNET_OBJECT_TYPE objectType, uint32_t instance, BA
     _data->error_class = PENDING_CLASS;
     _data->error_code = PENDING_CODE;
     return true;
+}
+
+bool DataWriteProperty::set(const DataType::BACnetDeviceObjectPropertyReference& reference,
+                            const TQ::Utility::OctetBuffer& value, unsigned char priority) {
+    const DataType::ObjectIdentifier object = reference.getObjectIdentifier();
+    return set(object.getObjectType(), object.getInstance(), reference.getPropertyIdentifier(),
+               reference.getArrayIndex(), value, priority);
 }
 
 void DataWriteProperty::getC(BACnet_Write_Property_Data& out) const {

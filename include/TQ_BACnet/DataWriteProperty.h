@@ -11,6 +11,10 @@ class OctetBuffer;
 }
 namespace BACnet {
 
+namespace DataType {
+class BACnetDeviceObjectPropertyReference;
+}
+
 /// A view of the caller's WriteProperty request record; its error part writes into the record's
 /// own error class and code.
 class DataWriteProperty : public DataErrorRef {
@@ -24,7 +28,12 @@ public:
     bool getFlag() const { return _flag; }
     BACnet_Write_Property_Data& getData() const { return *_data; }
 
-    /// Fills target, priority and value bytes. A value longer than MAX_VALUE_LENGTH returns false
+    /// Fills target (object, property and array index of `reference`; its device is not part
+    /// of the request), priority and value bytes. A value longer than MAX_VALUE_LENGTH returns
+    /// false with the target and priority set and the value bytes left as they were.
+    bool set(const DataType::BACnetDeviceObjectPropertyReference& reference, const TQ::Utility::OctetBuffer& value,
+             unsigned char priority);
+    /// The same with the target given field by field. A value longer than MAX_VALUE_LENGTH returns false
     /// with the target and priority set and the value bytes left as they were.
     bool set(BACNET_OBJECT_TYPE objectType, uint32_t instance, BACNET_PROPERTY_ID property,
              uint32_t arrayIndex, const TQ::Utility::OctetBuffer& value, unsigned char priority);

@@ -1,7 +1,10 @@
 #include "TQ_BACnet/Entity/BnDevice.h"
 
-#include "EntitySupport.h"
+#include "TQ_BACnet/DataType/ObjectIdentifier.h"
+#include "TQ_BACnet/Entity/BnDeviceObject.h"
+#include "TQ_BACnet/Entity/BnGw.h"
 #include "TQ_BACnet/Entity/Names.h"
+#include "TreeSupport.h"
 
 #include <iostream>
 
@@ -25,6 +28,25 @@ void BnDevice::init(bool isNew) {
     setVar(_COL_MAX_COMMIT_TIMEOUT_SEC, 30, true);
 }
 
+BnDevice::BnDevice(const BnDevice& other) : Bn(false) {
+    setColumnCnt(static_cast<unsigned>(_colNames.size()));
+    *this = other;
+}
+
+BnDevice& BnDevice::operator=(const BnDevice& other) {
+    if (this == &other) return *this;
+    copyBaseStuff(other);
+    Detail::copyParent(_pBnGw, _ownsBnGw, other._pBnGw, other._ownsBnGw);
+    dropObjects();
+    _pObjects = Detail::copyChildren(other._pObjects, this, &BnDeviceObject::attachBnDevice);
+    return *this;
+}
+
+BnDevice::~BnDevice() {
+    dropObjects();
+    Detail::releaseParent(_pBnGw, _ownsBnGw);
+}
+
 const std::string& BnDevice::getTableName() const {
     return Names::BN_DEVICE;
 }
@@ -35,6 +57,58 @@ const std::vector<const std::string*>& BnDevice::getColNames() const {
 
 void BnDevice::setPK(int pk, bool flag) {
     Entity::setPK(pk, flag);
+    if (!_pObjects) return;
+    for (auto& entry : *_pObjects) entry.second.setVar(BnDeviceObject::_COL_ID_BN_DEVICE, pk, true);
+}
+
+void BnDevice::setBnGw(BnGw* gw) {
+    Detail::setParent(_pBnGw, _ownsBnGw, gw);
+    if (gw) setVar(_COL_ID_BN_GATEWAY, gw->getPK(), true);
+}
+
+void BnDevice::attachBnGw(BnGw* gw) {
+    Detail::setParent(_pBnGw, _ownsBnGw, gw);
+}
+
+BnGw* BnDevice::retrieveBnGw() {
+    return Detail::retrieveParent(*this, _COL_ID_BN_GATEWAY, _pBnGw, _ownsBnGw);
+}
+
+BnGw* BnDevice::getBnGw() {
+    return _pBnGw ? _pBnGw : retrieveBnGw();
+}
+
+std::map<int, BnDeviceObject>* BnDevice::retrieveBnDeviceObjects(std::string* where,
+                                                                 const std::vector<Poco::Dynamic::Var>* binds) {
+    Detail::retrieveChildren(*this, _pObjects, where, binds, nullptr);
+    if (_pObjects)
+        for (auto& entry : *_pObjects) entry.second.attachBnDevice(this);
+    return _pObjects;
+}
+
+std::map<int, BnDeviceObject>* BnDevice::getBnDeviceObjects() {
+    return _pObjects ? _pObjects : retrieveBnDeviceObjects();
+}
+
+BnDeviceObject* BnDevice::findBnDeviceObject(const DataType::ObjectIdentifier& id) {
+    std::map<int, BnDeviceObject>* objects = getBnDeviceObjects();
+    if (!objects) return nullptr;
+    auto found = objects->find(static_cast<int>(id.getValue()));
+    return found == objects->end() ? nullptr : &found->second;
+}
+
+void BnDevice::addObject(BnDeviceObject& object) {
+    if (!_pObjects) _pObjects = new std::map<int, BnDeviceObject>();
+    object.setNew(true);
+    object.setBnDevice(this);
+    BnDeviceObject& placed = (*_pObjects)[object()];
+    placed = object;
+    placed.attachBnDevice(this);
+}
+
+int BnDevice::updateAll(TQ::Utility::Data::EntityServer& server,
+                        std::vector<TQ::Utility::Data::DataAutoIncrement>* autoIncrements) {
+    return Detail::updateTree(*this, _pObjects, server, autoIncrements);
 }
 
 int BnDevice::retrieve(int idDevice, TQ::Utility::Data::EntityServer& server) {
@@ -99,6 +173,11 @@ void BnDevice::setTemplate(const Poco::Dynamic::Var& value) {
 void BnDevice::printIt() const {
     Detail::printAllColumns(*this, std::cout, ":", ",");
     std::cout << std::endl;
+}
+
+void BnDevice::dropObjects() {
+    delete _pObjects;
+    _pObjects = nullptr;
 }
 
 }  // namespace Entity

@@ -1,8 +1,14 @@
 #include "TQ_BACnet/Entity/BnDeviceObjectProperty.h"
 
-#include "EntitySupport.h"
+#include "TQ_BACnet/Entity/BnDeviceObject.h"
+#include "TQ_BACnet/Entity/BnDeviceObjectPropertyValue.h"
 #include "TQ_BACnet/Entity/BnPropertiesInObject.h"
 #include "TQ_BACnet/Entity/Names.h"
+#include "TQ_BACnet/ValueContainer.h"
+#include "TreeSupport.h"
+
+#include <Poco/Data/Statement.h>
+#include <Poco/Exception.h>
 
 #include <iostream>
 
@@ -11,6 +17,25 @@ namespace BACnet {
 namespace Entity {
 
 using TQ::Utility::Data::EntityServer;
+using TQ::Utility::Data::pDB;
+
+static_assert(int{BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE} ==
+                      int{BnPropertiesInObject::OPTIONAL_REQUIRED_WRITABLE} &&
+                  int{BnDeviceObjectProperty::OPTIONAL_OPTIONAL} == int{BnPropertiesInObject::OPTIONAL_OPTIONAL} &&
+                  int{BnDeviceObjectProperty::OPTIONAL_ALL} == int{BnPropertiesInObject::OPTIONAL_ALL},
+              "one set of property classes");
+
+namespace {
+
+// The property list names the other properties; it is never listed as one of them.
+constexpr int kPropertyList = 371;
+
+Poco::Data::Session& globalSession(const char* what) {
+    if (!pDB) throw Poco::NullPointerException(std::string(what) + ": no database session");
+    return pDB->getSession();
+}
+
+}  // namespace
 
 TQ_ENTITY_STATIC_INIT const std::vector<const std::string*> BnDeviceObjectProperty::_colNames{
     &Names::ID_BN_DEVICE_OBJECT_PROPERTY,
@@ -36,11 +61,16 @@ BnDeviceObjectProperty& BnDeviceObjectProperty::operator=(const BnDeviceObjectPr
     copyBaseStuff(other);
     releaseBnPropertiesInObject();
     if (!other._ownsBnPropertiesInObject) attachBnPropertiesInObject(other._pBnPropertiesInObject);
+    Detail::copyParent(_pBnDeviceObject, _ownsBnDeviceObject, other._pBnDeviceObject, other._ownsBnDeviceObject);
+    delete _pValue;
+    _pValue = other._pValue ? new BnDeviceObjectPropertyValue(*other._pValue) : nullptr;
     return *this;
 }
 
 BnDeviceObjectProperty::~BnDeviceObjectProperty() {
     releaseBnPropertiesInObject();
+    Detail::releaseParent(_pBnDeviceObject, _ownsBnDeviceObject);
+    delete _pValue;
 }
 
 const std::string& BnDeviceObjectProperty::getTableName() const {
@@ -53,6 +83,7 @@ const std::vector<const std::string*>& BnDeviceObjectProperty::getColNames() con
 
 void BnDeviceObjectProperty::setPK(int pk, bool flag) {
     Entity::setPK(pk, flag);
+    if (_pValue) _pValue->setIdBnDeviceObjectProperty(pk);
 }
 
 int BnDeviceObjectProperty::operator()() const {
@@ -146,6 +177,157 @@ BnPropertiesInObject* BnDeviceObjectProperty::retrieveBnPropertiesInObject() {
 
 BnPropertiesInObject* BnDeviceObjectProperty::getBnPropertiesInObject() {
     return _pBnPropertiesInObject ? _pBnPropertiesInObject : retrieveBnPropertiesInObject();
+}
+
+void BnDeviceObjectProperty::setIdBnPropertiesInObject(int id) {
+    Poco::Dynamic::Var property = Entity::sqlGetVarByVar(pDB, Names::BN_PROPERTIES_IN_OBJECT, Names::ID_BN_PROPERTY_TYPE,
+                                                         Names::ID_BN_PROPERTIES_IN_OBJECT + "=?", id);
+    if (property.isEmpty()) return;
+    linkCatalogueRow(property.convert<int>(), id);
+}
+
+void BnDeviceObjectProperty::setPropertyIdentifier(BACNET_PROPERTY_ID property) {
+    BnDeviceObject* object = getBnDeviceObject();
+    if (!object) return;
+    const int objectType = static_cast<int>(object->getObjectIdentifier().getValue() >> 22);
+    Poco::Dynamic::Var row = Entity::sqlGetVarByVars(
+        pDB, Names::BN_PROPERTIES_IN_OBJECT, Names::ID_BN_PROPERTIES_IN_OBJECT,
+        Names::ID_BN_OBJECT_TYPE + "=? AND " + Names::ID_BN_PROPERTY_TYPE + "=?",
+        {objectType, static_cast<int>(property)});
+    if (row.isEmpty()) return;
+    linkCatalogueRow(static_cast<int>(property), row.convert<int>());
+}
+
+void BnDeviceObjectProperty::linkCatalogueRow(int property, int idPropertiesInObject) {
+    // A catalogue row loaded for the previous link would describe another property.
+    if (_ownsBnPropertiesInObject) releaseBnPropertiesInObject();
+    setVar(_COL_ID_BN_PROPERTY_TYPE, property, true);
+    setVar(_COL_ID_BN_PROPERTIES_IN_OBJECT, idPropertiesInObject, true);
+}
+
+void BnDeviceObjectProperty::setValue(const ValueContainer& value) {
+    std::string text;
+    value.getText(text, false);
+    setVar(_COL_VALUE, text, true);
+}
+
+ValueContainer& BnDeviceObjectProperty::getValue(ValueContainer& value) {
+    BnPropertiesInObject* row = getBnPropertiesInObject();
+    if (!row) throw Poco::NullPointerException("BnDeviceObjectProperty::getValue(): no catalogue row");
+    Poco::Nullable<std::string> text = getValueText();
+    value.setText(static_cast<BACnetDataType>(row->getIdBnDataType()),
+                  static_cast<BACNET_APPLICATION_TAG>(row->getTag()), text.isNull() ? std::string() : text.value(),
+                  true);
+    return value;
+}
+
+void BnDeviceObjectProperty::setBnDeviceObject(BnDeviceObject* object) {
+    Detail::setParent(_pBnDeviceObject, _ownsBnDeviceObject, object);
+    if (object) setVar(_COL_ID_BN_DEVICE_OBJECT, object->getPK(), true);
+}
+
+void BnDeviceObjectProperty::attachBnDeviceObject(BnDeviceObject* object) {
+    Detail::setParent(_pBnDeviceObject, _ownsBnDeviceObject, object);
+}
+
+BnDeviceObject* BnDeviceObjectProperty::retrieveBnDeviceObject() {
+    return Detail::retrieveParent(*this, _COL_ID_BN_DEVICE_OBJECT, _pBnDeviceObject, _ownsBnDeviceObject);
+}
+
+BnDeviceObject* BnDeviceObjectProperty::getBnDeviceObject() {
+    return _pBnDeviceObject ? _pBnDeviceObject : retrieveBnDeviceObject();
+}
+
+void BnDeviceObjectProperty::addBnDeviceObjectPropertyValue(const BnDeviceObjectPropertyValue& row) {
+    delete _pValue;
+    _pValue = new BnDeviceObjectPropertyValue(row);
+    _pValue->setIdBnDeviceObjectProperty(getPK());
+}
+
+BnDeviceObjectPropertyValue* BnDeviceObjectProperty::retrieveBnDeviceObjectPropertyValue() {
+    if (getPK() < 0) return _pValue;
+    // The value row names this property in a column of the same name as this key column.
+    std::string where = getParentWhere(_COL_ID_BN_DEVICE_OBJECT_PROPERTY, nullptr);
+    EntityServer server(pDB, nullptr, &where);
+    server.addBind(getPK());
+    if (!_pValue) _pValue = new BnDeviceObjectPropertyValue(false);
+    if (server.retrieve(*_pValue) < 1) {
+        delete _pValue;
+        _pValue = nullptr;
+    }
+    return _pValue;
+}
+
+BnDeviceObjectPropertyValue* BnDeviceObjectProperty::getBnDeviceObjectPropertyValue() {
+    return _pValue ? _pValue : retrieveBnDeviceObjectPropertyValue();
+}
+
+int BnDeviceObjectProperty::updateAll(EntityServer& server,
+                                      std::vector<TQ::Utility::Data::DataAutoIncrement>* autoIncrements) {
+    int rows = server.update(*this, autoIncrements);
+    if (_pValue) rows += server.update(*_pValue, autoIncrements);
+    return rows;
+}
+
+int BnDeviceObjectProperty::dbUpdatePropertyValue(int id, const std::string& value, Poco::Data::Statement* statement) {
+    using Poco::Data::Keywords::use;
+    // The statement binds these by reference: each execution reads the current call's values.
+    static std::string boundValue;
+    static int boundId = 0;
+    static bool prepared = false;
+    static const std::string sql =
+        "UPDATE bn_device_object_property SET value=? WHERE id_bn_device_object_property=?";
+    boundValue = value;
+    boundId = id;
+    if (!statement) {
+        Poco::Data::Statement temporary(globalSession("BnDeviceObjectProperty::dbUpdatePropertyValue()"));
+        temporary << sql, use(boundValue), use(boundId);
+        temporary.execute();
+        return 1;
+    }
+    if (!prepared) {
+        *statement << sql, use(boundValue), use(boundId);
+        prepared = true;
+    }
+    statement->execute(true);
+    return 1;
+}
+
+bool BnDeviceObjectProperty::dbGetPropertyValue(int id, std::string& value) {
+    using Poco::Data::Keywords::into;
+    using Poco::Data::Keywords::use;
+    int key = id;
+    int found = -1;
+    std::string text;
+    Poco::Data::Statement statement(globalSession("BnDeviceObjectProperty::dbGetPropertyValue()"));
+    statement << "SELECT id_bn_device_object_property,IFNULL(value,'NULL') FROM bn_device_object_property WHERE "
+                 "id_bn_device_object_property=?",
+        into(found), into(text), use(key);
+    statement.execute();
+    if (found != id) return false;
+    value = text;
+    return true;
+}
+
+int BnDeviceObjectProperty::retrievePropertyIDs(unsigned int idDeviceObject, Optional above, Optional below,
+                                                std::vector<int>& propertyIds) {
+    using Poco::Data::Keywords::into;
+    using Poco::Data::Keywords::use;
+    static const std::string sql =
+        "SELECT c.id_bn_property_type FROM  bn_device_object_property b, bn_properties_in_object c, bn_property_type d "
+        "WHERE b.id_bn_properties_in_object = c.id_bn_properties_in_object AND c.optional>? AND c.optional<? AND "
+        "d.id_bn_property_type = c.id_bn_property_type AND c.id_bn_property_type <> " +
+        std::to_string(kPropertyList) + " AND b.id_bn_device_object=? ORDER BY d.sort";
+    propertyIds.clear();
+    int lower = above;
+    int upper = below;
+    int object = static_cast<int>(idDeviceObject);
+    Poco::Data::Statement statement(globalSession("BnDeviceObjectProperty::retrievePropertyIDs()"));
+    statement << sql, use(lower), use(upper), use(object), into(propertyIds);
+    statement.execute();
+    propertyIds.push_back(-1);
+    propertyIds.shrink_to_fit();
+    return static_cast<int>(propertyIds.size()) - 1;
 }
 
 void BnDeviceObjectProperty::printIt() const {
