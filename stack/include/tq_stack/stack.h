@@ -23,3 +23,9 @@
 #include "tq_stack/timesync.h"
 #include "tq_stack/whois.h"
 #include "tq_stack/wp.h"
+
+#include "tq_stack/bvlc.h"
+#include "tq_stack/create_object.h"
+#include "tq_stack/npdu.h"
+#include "tq_stack/rpm_server.h"
+#include "tq_stack/segment.h"
