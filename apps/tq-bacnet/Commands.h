@@ -9,6 +9,7 @@ namespace TQ {
 namespace Apps {
 
 std::vector<Command> offlineCommands();
+std::vector<Command> catalogueCommands();
 
 }  // namespace Apps
 }  // namespace TQ

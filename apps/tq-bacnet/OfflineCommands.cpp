@@ -1,5 +1,6 @@
 // Commands that need no network: values between bytes, text and the catalogue database.
 #include "Commands.h"
+#include "Render.h"
 #include "Values.h"
 
 #include <cstdint>
@@ -32,6 +33,15 @@ int runText(const Args& args, std::ostream& out) {
     return EXIT_OK;
 }
 
+int runRender(const Args& args, std::ostream& out) {
+    args.expectPositionals(1, SIZE_MAX);
+    Catalogue catalogue(args);
+    const PropertyOf of = propertyOf(args);
+    const BACnet::ValueContainer value = decodeValue(bytesOf(joined(args.positionals())), of);
+    renderValue(args, value, propertyName(of.property), out);
+    return EXIT_OK;
+}
+
 int runEncode(const Args& args, std::ostream& out) {
     args.expectPositionals(1, 1);
     Catalogue catalogue(args);
@@ -55,7 +65,14 @@ int runDb(const Args& args, std::ostream& out) {
 std::vector<Command> offlineCommands() {
     std::vector<OptionInfo> textOptions = kPropertyOptions;
     textOptions.push_back({"names", "", "enumerated values by name"});
+    std::vector<OptionInfo> renderWith = kPropertyOptions;
+    renderWith.insert(renderWith.end(), renderOptions().begin(), renderOptions().end());
     return {
+        {"render", "a property value given as bytes (a ReadProperty-ACK's value), rendered as BACnet/WS shows it",
+         "--object TYPE --property PROP [--index N] [--alt xml|json|plain] HEX", renderWith,
+         "tq-bacnet render --object analog-value --property priority-array --alt json 00 00 00 00 00 00 00 "
+         "4441a80000 00 00 00 00 00 00 00 00",
+         runRender},
         {"text", "the stored text form of a property value given as bytes", "--object TYPE --property PROP HEX",
          textOptions, "tq-bacnet text --object analog-input --property status-flags 82 04 00", runText},
         {"encode", "the bytes of a property value given in its stored text form",

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
+
 namespace {
 
 using TQ::Test::Ran;
@@ -65,6 +68,59 @@ TEST_F(ToolTest, TextAndEncodeBothWays) {
     for (const Case& c : cases) expectCase(c, tool(c.args));
 }
 
+TEST_F(ToolTest, RenderShowsValuesAsTheWebServicesDo) {
+    const std::string ns = " xmlns=\"http://bacnet.org/CSML/1.2\"";
+    const std::string pv = "--object=analog-value --property=present-value 4441AC0000";
+    const std::string pa = "--object=analog-value --property=priority-array 00 00 00 00 00 00 00 4441a80000 "
+                           "00 00 00 00 00 00 00 00";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"--alt=json " + pv, "{\"$value\":21.5}\n"},
+        {"--alt=plain " + pv, "21.5\n"},
+        {pv, "<?xml version=\"1.0\"?><Real name=\"present-value\" value=\"21.5\"" + ns + "/>\n"},
+        {"--alt=json --names --object=analog-input --property=event-state 9102", "{\"$value\":\"offnormal\"}\n"},
+        {"--alt=json --object=analog-input --property=event-state 9102", "{\"$value\":\"2\"}\n"},
+        {"--alt=json --object=analog-input --property=status-flags 820440", "{\"$value\":\"false,true,false,false\"}\n"},
+        {"--alt=json --object=device --property=object-list --index=0 2103", "{\"$value\":3}\n"},
+        {"--alt=json --object=device --property=object-list c400000001c402000005", "{\"1\":\"0,1\",\"2\":\"8,5\"}\n"},
+        {"--alt=json --metadata=cat-types " + pv, "{\"$base\":\"Real\",\"$value\":21.5}\n"},
+        {"--alt=json " + pa, "{\"1\":{\"null\":\"NULL\"},\"2\":{\"null\":\"NULL\"},\"3\":{\"null\":\"NULL\"},"
+                            "\"4\":{\"null\":\"NULL\"},\"5\":{\"null\":\"NULL\"},\"6\":{\"null\":\"NULL\"},"
+                            "\"7\":{\"null\":\"NULL\"},\"8\":{\"real\":21},\"9\":{\"null\":\"NULL\"},"
+                            "\"10\":{\"null\":\"NULL\"},\"11\":{\"null\":\"NULL\"},\"12\":{\"null\":\"NULL\"},"
+                            "\"13\":{\"null\":\"NULL\"},\"14\":{\"null\":\"NULL\"},\"15\":{\"null\":\"NULL\"},"
+                            "\"16\":{\"null\":\"NULL\"}}\n"},
+        {"--object=trend-log --property=start-time a47b0b1701b40c1e0000",
+         "<?xml version=\"1.0\"?><Sequence name=\"start-time\"" + ns +
+             "><Date name=\"date\" value=\"2023-11-23 1\"/><Time name=\"time\" value=\"12.30.00.00\"/></Sequence>\n"},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> args = {"render"};
+        std::istringstream words(c.first);
+        for (std::string word; words >> word;) args.push_back(word);
+        expectCase({args, 0, c.second, ""}, tool(args));
+    }
+}
+
+TEST_F(ToolTest, CatalogueCommands) {
+    const std::vector<Case> cases = {
+        {{"enum", "BACnetEventState", "--alt", "json"}, 0,
+         "{\"normal\":0,\"fault\":1,\"offnormal\":2,\"high-limit\":3,\"low-limit\":4,\"life-safety-alarm\":5}\n", ""},
+        {{"enum", "BACnetStatusFlags", "--alt", "json"}, 0,
+         "{\"in-alarm\":0,\"fault\":1,\"overridden\":2,\"out-of-service\":3}\n", ""},
+        {{"type", "1026", "--alt", "json"}, 0, "{\"date\":{},\"time\":{}}\n", ""},
+        {{"enum", "REAL"}, 1, "", "is no enumeration"},
+        {{"type", "BACnetNothing"}, 1, "", "no data type"},
+        {{"types", "--alt", "plain"}, 1, "", "plain text shows single primitive values only"},
+        {{"properties", "bogus-object"}, 1, "", "unknown object type"},
+    };
+    for (const Case& c : cases) expectCase(c, tool(c.args));
+    const Ran types = tool({"types", "--alt", "json"});
+    EXPECT_NE(std::string::npos, types.out.find("\"0-BACnetDateTime\":1026")) << types.out.substr(0, 200);
+    const Ran properties = tool({"properties", "analog-value", "--alt", "json"});
+    EXPECT_NE(std::string::npos, properties.out.find("\"present-value\":{\"datatype\":\"REAL\",\"structure\":\"single\""));
+    EXPECT_NE(std::string::npos, properties.out.find("\"priority-array\":{\"datatype\":\"BACnetPriorityArray\""));
+}
+
 TEST_F(ToolTest, BadInputIsOneLineAndStatusOne) {
     const std::vector<Case> cases = {
         {{"text", "--object", "analog-input", "--property", "present-value", "444"}, 1, "", "not hexadecimal"},
@@ -87,6 +143,7 @@ TEST_F(ToolTest, BadUsageIsStatusTwo) {
         {{"text", "--object"}, 2, "", "--object needs TYPE"},
         {{"text", "--object", "0", "--property", "85", "--index", "-2", "00"}, 2, "", "--index must be"},
         {{"completion", "fish"}, 2, "", "only bash"},
+        {{"render", "--alt", "html", "--object", "0", "--property", "85", "4441A80000"}, 2, "", "--alt is xml, json or plain"},
     };
     for (const Case& c : cases) expectCase(c, tool(c.args));
 }
