@@ -55,6 +55,10 @@ ObjectId parseObjectId(const std::string& text);
 /// The catalogue's descriptor of a property of an object type; InputError when unknown.
 BACnet::DataPropertyInObject0 describe(BACNET_OBJECT_TYPE objectType, BACNET_PROPERTY_ID property);
 
+/// The descriptor of one element of a property: the element type of an array or list, or of a
+/// catalogued SEQUENCE OF (the priority array); InputError for a property that has no elements.
+BACnet::DataPropertyInObject0 elementOf(const BACnet::DataPropertyInObject0& property);
+
 std::string objectTypeName(BACNET_OBJECT_TYPE type);
 std::string propertyName(BACNET_PROPERTY_ID property);
 

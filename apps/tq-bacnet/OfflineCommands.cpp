@@ -50,6 +50,13 @@ int runEncode(const Args& args, std::ostream& out) {
     return EXIT_OK;
 }
 
+int runJson(const Args& args, std::ostream& out) {
+    args.expectPositionals(1, 1);
+    Catalogue catalogue(args);
+    out << encodedJsonHex(args.positionals()[0], propertyOf(args)) << "\n";
+    return EXIT_OK;
+}
+
 int runDb(const Args& args, std::ostream& out) {
     args.expectPositionals(2, 2);
     if (args.positionals()[0] != "init") throw UsageError("unknown db action \"" + args.positionals()[0] + "\"");
@@ -78,6 +85,9 @@ std::vector<Command> offlineCommands() {
         {"encode", "the bytes of a property value given in its stored text form",
          "--object TYPE --property PROP TEXT", kPropertyOptions,
          "tq-bacnet encode --object analog-value --property present-value 21.5", runEncode},
+        {"json", "the bytes of a property value given as a BACnet/WS JSON body", "--object TYPE --property PROP JSON",
+         kPropertyOptions, "tq-bacnet json --object analog-value --property priority-array '{\"8\":{\"real\":21.5}}'",
+         runJson},
         {"db", "creates a database file holding the full catalogue", "init PATH", {},
          "tq-bacnet db init /var/lib/tq/bacnet.db", runDb},
     };

@@ -3,6 +3,9 @@
 #include "TQ_BACnet/DataError.h"
 #include "TQ_BACnet/DataErrorRef.h"
 
+#include "TQ_BACnet/WS/DataWsError.h"
+#include "TQ_BACnet/WS/EncoderJSON.h"
+
 #include <Poco/Exception.h>
 
 namespace TQ {
@@ -26,7 +29,13 @@ Utility::OctetBuffer bytesOf(const std::string& hex) {
 }
 
 BACnet::ValueContainer decodeValue(const Utility::OctetBuffer& bytes, const PropertyOf& of) {
-    const BACnet::DataPropertyInObject0 descriptor = describe(of.objectType, of.property);
+    BACnet::DataPropertyInObject0 descriptor = describe(of.objectType, of.property);
+    int arrayIndex = of.arrayIndex;
+    if (arrayIndex > 0) {
+        // One element is a value of the element type (a priority value, not a priority array).
+        descriptor = elementOf(descriptor);
+        arrayIndex = -1;
+    }
     BACnet::ValueContainer value;
     BACnet::DataError error;
     BACNET_ERROR_CLASS errorClass = BACnet::DataError::NO_ERROR_CLASS;
@@ -34,8 +43,8 @@ BACnet::ValueContainer decodeValue(const Utility::OctetBuffer& bytes, const Prop
     BACnet::DataErrorRef errorRef(errorClass, errorCode);
     const int length = static_cast<int>(bytes.size());
     // A single value, or one element of an array, is one value: anything after it is surplus.
-    const bool one = descriptor.structure == BACnet::BACNET_DTS_SINGLE_VALUE || of.arrayIndex >= 0;
-    const int used = value.decode(bytes.data(), length, one ? 1 : 0, descriptor, of.arrayIndex, errorRef);
+    const bool one = descriptor.structure == BACnet::BACNET_DTS_SINGLE_VALUE || arrayIndex >= 0;
+    const int used = value.decode(bytes.data(), length, one ? 1 : 0, descriptor, arrayIndex, errorRef);
     if (used < 0) {
         error.setError(errorClass, errorCode);
         throw InputError("the bytes do not decode as " + propertyName(of.property) + " of " +
@@ -57,6 +66,24 @@ BACnet::ValueContainer valueFromText(const std::string& text, const PropertyOf& 
                          objectTypeName(of.objectType));
     }
     return value;
+}
+
+std::string encodedJsonHex(const std::string& json, const PropertyOf& of) {
+    BACnet::DataPropertyInObject0 descriptor = describe(of.objectType, of.property);
+    if (of.arrayIndex > 0) descriptor = elementOf(descriptor);
+    Utility::OctetBuffer bytes(BACnet::ValueContainer::MAX_ENCODED);
+    BACnet::WS::DataWsError error;
+    BACnet::WS::EncoderJSON encoder;
+    // A bare scalar ("21.5", "\"offnormal\"") is taken as the value of the compact form.
+    const size_t first = json.find_first_not_of(" \t\r\n");
+    const bool bare = first != std::string::npos && json[first] != '{' && json[first] != '[';
+    const int length = encoder.encode(descriptor, bare ? "{\"$value\":" + json + "}" : json, bytes, 0, error);
+    if (length < 0) {
+        throw InputError("the JSON is no value of " + propertyName(of.property) + " of " +
+                         objectTypeName(of.objectType) + ": " + error.getWsErrorText());
+    }
+    bytes.resize(static_cast<std::size_t>(length));
+    return bytes.getHexString(false);
 }
 
 std::string encodedHex(const BACnet::ValueContainer& value) {

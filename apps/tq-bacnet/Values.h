@@ -27,6 +27,9 @@ Utility::OctetBuffer bytesOf(const std::string& hex);
 BACnet::ValueContainer decodeValue(const Utility::OctetBuffer& bytes, const PropertyOf& of);
 /// The container's stored text form, read for the property; InputError when it does not fit.
 BACnet::ValueContainer valueFromText(const std::string& text, const PropertyOf& of);
+/// A BACnet/WS JSON body (compact or "$base"/"$value" form) encoded for the property, as
+/// hexadecimal; InputError with the web-service error's text when it does not fit.
+std::string encodedJsonHex(const std::string& json, const PropertyOf& of);
 /// The encoded bytes of a container, as hexadecimal.
 std::string encodedHex(const BACnet::ValueContainer& value);
 

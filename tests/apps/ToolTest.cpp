@@ -64,6 +64,12 @@ TEST_F(ToolTest, TextAndEncodeBothWays) {
         {{"text", "--object", "device", "--property", "object-list", "--index", "0", "2103"}, 0, "3\n", ""},
         {{"encode", "--object", "analog-value", "--property", "present-value", "21.5"}, 0, "4441AC0000\n", ""},
         {{"encode", "--object", "binary-value", "--property", "out-of-service", "true"}, 0, "11\n", ""},
+        {{"json", "--object", "analog-value", "--property", "present-value", "21.5"}, 0, "4441AC0000\n", ""},
+        {{"json", "--object", "analog-value", "--property", "present-value", "{\"$base\":\"Real\",\"$value\":21.5}"}, 0, "4441AC0000\n", ""},
+        {{"json", "--object", "analog-input", "--property", "event-state", "\"offnormal\""}, 0, "9102\n", ""},
+        {{"json", "--object", "analog-value", "--property", "priority-array", "--index", "8", "{\"real\":21.5}"}, 0, "4441AC0000\n", ""},
+        {{"render", "--alt", "json", "--object", "analog-value", "--property", "priority-array", "--index", "8", "00"}, 0,
+         "{\"null\":\"NULL\"}\n", ""},
     };
     for (const Case& c : cases) expectCase(c, tool(c.args));
 }
@@ -130,6 +136,9 @@ TEST_F(ToolTest, BadInputIsOneLineAndStatusOne) {
         {{"text", "--object", "analog-inptu", "--property", "present-value", "00"}, 1, "", "unknown object type"},
         {{"text", "--object", "analog-input", "--property", "present-valeu", "00"}, 1, "", "unknown property"},
         {{"encode", "--object", "analog-value", "--property", "present-value", "warm"}, 1, "", "is no value of"},
+        {{"json", "--object", "analog-value", "--property", "present-value", "{\"$value\":\"warm\"}"}, 1, "", "the JSON is no value of"},
+        {{"json", "--object", "analog-value", "--property", "present-value", "{"}, 1, "", "the JSON is no value of"},
+        {{"json", "--object", "analog-value", "--property", "present-value", "--index", "2", "1"}, 1, "", "no elements to index"},
     };
     for (const Case& c : cases) expectCase(c, tool(c.args));
 }
