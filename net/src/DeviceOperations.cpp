@@ -105,51 +105,102 @@ std::string Outcome::describe() const {
     return "failed: " + text;
 }
 
-Result DeviceOperations::confirmed(const Target& target, uint8_t service, const std::vector<uint8_t>& data) {
-    if (data.empty()) {
-        Result r;
-        r.kind = Result::Failed;
-        return r;
-    }
-    return target.byAddress ? _client.request(target.address, service, data)
-                            : _client.requestDevice(target.instance, service, data);
+Result DeviceOperations::confirmed(const Target& target, const Request& request) {
+    return target.byAddress ? _client.request(target.address, request.service, request.data)
+                            : _client.requestDevice(target.instance, request.service, request.data);
 }
 
-Outcome DeviceOperations::readProperty(const Target& target, const DataType::BACnetObjectPropertyReference& what,
-                                       ValueContainer& value) {
-    const ReadProperty request(what);
+namespace {
+
+Request made(uint8_t service, const OctetBuffer& apdu, int length, const char* why) {
+    Request r;
+    r.service = service;
+    r.data = serviceData(apdu, length);
+    if (r.data.empty()) r.why = why;
+    return r;
+}
+
+}  // namespace
+
+Request DeviceOperations::readPropertyRequest(const DataType::BACnetObjectPropertyReference& what) {
     OctetBuffer apdu;
-    const std::vector<uint8_t> data = serviceData(apdu, request.encode(0, apdu, 0));
-    if (data.empty()) return Outcome::failed("the request does not encode");
+    return made(SERVICE_CONFIRMED_READ_PROPERTY, apdu, ReadProperty(what).encode(0, apdu, 0),
+                "the request does not encode");
+}
+
+Outcome DeviceOperations::readPropertyAnswer(const Result& result, const DataType::BACnetObjectPropertyReference& what,
+                                             ValueContainer& value) {
     ReadPropertyAck ack;
-    Outcome o = decodeAck(confirmed(target, SERVICE_CONFIRMED_READ_PROPERTY, data), request, ack);
+    Outcome o = decodeAck(result, ReadProperty(what), ack);
     if (o.ok()) value = std::move(ack.getValue());
     return o;
 }
 
+Request DeviceOperations::readPropertyMultipleRequest(const ReadPropertyMultiple& request) {
+    OctetBuffer apdu;
+    return made(SERVICE_CONFIRMED_READ_PROP_MULTIPLE, apdu, request.encode(0, apdu, 0),
+                "the request does not encode (nothing asked, or over one APDU)");
+}
+
+Outcome DeviceOperations::readPropertyMultipleAnswer(const Result& result, const ReadPropertyMultiple& request,
+                                                     ReadPropertyMultipleAck& ack) {
+    return decodeAck(result, request, ack);
+}
+
+Request DeviceOperations::writePropertyRequest(const DataType::BACnetObjectPropertyReference& what,
+                                               const OctetBuffer& value, uint8_t priority) {
+    Request r;
+    r.service = SERVICE_CONFIRMED_WRITE_PROPERTY;
+    if (value.empty()) {
+        r.why = "no value to write";
+        return r;
+    }
+    // The record holds a whole APDU of value bytes: too large for a small controller's stack.
+    auto record = std::make_unique<BACNET_WRITE_PROPERTY_DATA>();
+    DataWriteProperty write(*record, false);
+    if (!write.set(what.getObjectIdentifier().getObjectType(), what.getObjectIdentifier().getInstance(),
+                   what.getPropertyIdentifier(), what.getArrayIndex(), value, priority)) {
+        r.why = "the value is longer than one APDU allows";
+        return r;
+    }
+    OctetBuffer apdu;
+    return made(SERVICE_CONFIRMED_WRITE_PROPERTY, apdu, WriteProperty::encode(write, 0, apdu, 0),
+                "the request does not encode (priority above 16?)");
+}
+
+Outcome DeviceOperations::writePropertyAnswer(const Result& result) {
+    if (result.kind == Result::ComplexAck) return Outcome::failed("the device answered a write with data");
+    return Outcome::of(result);
+}
+
+Request DeviceOperations::readRangeRequest(const ReadRange& request) {
+    OctetBuffer apdu;
+    return made(SERVICE_CONFIRMED_READ_RANGE, apdu, request.encode(0, apdu, 0), "the request does not encode");
+}
+
+Outcome DeviceOperations::readRangeAnswer(const Result& result, const ReadRange& request, ReadRangeAck& ack) {
+    return decodeAck(result, request, ack);
+}
+
+Outcome DeviceOperations::readProperty(const Target& target, const DataType::BACnetObjectPropertyReference& what,
+                                       ValueContainer& value) {
+    const Request request = readPropertyRequest(what);
+    if (!request.ok()) return Outcome::failed(request.why);
+    return readPropertyAnswer(confirmed(target, request), what, value);
+}
+
 Outcome DeviceOperations::readPropertyMultiple(const Target& target, const ReadPropertyMultiple& request,
                                                ReadPropertyMultipleAck& ack) {
-    OctetBuffer apdu;
-    const std::vector<uint8_t> data = serviceData(apdu, request.encode(0, apdu, 0));
-    if (data.empty()) return Outcome::failed("the request does not encode (nothing asked, or over one APDU)");
-    return decodeAck(confirmed(target, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, data), request, ack);
+    const Request r = readPropertyMultipleRequest(request);
+    if (!r.ok()) return Outcome::failed(r.why);
+    return readPropertyMultipleAnswer(confirmed(target, r), request, ack);
 }
 
 Outcome DeviceOperations::writeProperty(const Target& target, const DataType::BACnetObjectPropertyReference& what,
                                         const OctetBuffer& value, uint8_t priority) {
-    // The record holds a whole APDU of value bytes: too large for a small controller's stack.
-    auto record = std::make_unique<BACNET_WRITE_PROPERTY_DATA>();
-    DataWriteProperty write(*record, false);
-    if (value.empty()) return Outcome::failed("no value to write");
-    if (!write.set(what.getObjectIdentifier().getObjectType(), what.getObjectIdentifier().getInstance(),
-                   what.getPropertyIdentifier(), what.getArrayIndex(), value, priority))
-        return Outcome::failed("the value is longer than one APDU allows");
-    OctetBuffer apdu;
-    const std::vector<uint8_t> data = serviceData(apdu, WriteProperty::encode(write, 0, apdu, 0));
-    if (data.empty()) return Outcome::failed("the request does not encode (priority above 16?)");
-    const Result r = confirmed(target, SERVICE_CONFIRMED_WRITE_PROPERTY, data);
-    if (r.kind == Result::ComplexAck) return Outcome::failed("the device answered a write with data");
-    return Outcome::of(r);
+    const Request r = writePropertyRequest(what, value, priority);
+    if (!r.ok()) return Outcome::failed(r.why);
+    return writePropertyAnswer(confirmed(target, r));
 }
 
 Outcome DeviceOperations::writeProperty(const Target& target, const DataType::BACnetObjectPropertyReference& what,
@@ -160,10 +211,9 @@ Outcome DeviceOperations::writeProperty(const Target& target, const DataType::BA
 }
 
 Outcome DeviceOperations::readRange(const Target& target, const ReadRange& request, ReadRangeAck& ack) {
-    OctetBuffer apdu;
-    const std::vector<uint8_t> data = serviceData(apdu, request.encode(0, apdu, 0));
-    if (data.empty()) return Outcome::failed("the request does not encode");
-    return decodeAck(confirmed(target, SERVICE_CONFIRMED_READ_RANGE, data), request, ack);
+    const Request r = readRangeRequest(request);
+    if (!r.ok()) return Outcome::failed(r.why);
+    return readRangeAnswer(confirmed(target, r), request, ack);
 }
 
 std::vector<IAm> DeviceOperations::whoIs(unsigned durationMs, int32_t low, int32_t high) {

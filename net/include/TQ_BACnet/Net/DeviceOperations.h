@@ -69,6 +69,15 @@ struct Outcome {
     static Outcome of(const Result& result);
 };
 
+/// A confirmed request made ready for `Client::submit`: the service choice and its data. Empty
+/// data: it did not encode, `why` says why.
+struct Request {
+    uint8_t service = 0;
+    std::vector<uint8_t> data;
+    std::string why;
+    bool ok() const { return !data.empty(); }
+};
+
 /// The operations a gateway or a tool performs on a device, on top of the client's
 /// transactions and the service classes: encoded by the services, answered values decoded and
 /// typed through the catalogue, acknowledgements checked against their requests. Runs in the
@@ -99,8 +108,25 @@ public:
 
     Client& client() { return _client; }
 
+    // The two halves of each confirmed operation, for a caller that keeps many requests in
+    // flight through `Client::submit` and `Client::take`; the operations above are these two
+    // around one `Client::request`.
+    static Request readPropertyRequest(const DataType::BACnetObjectPropertyReference& what);
+    static Outcome readPropertyAnswer(const Result& result, const DataType::BACnetObjectPropertyReference& what,
+                                      ValueContainer& value);
+    static Request readPropertyMultipleRequest(const Service::ObjectAccess::ReadPropertyMultiple& request);
+    static Outcome readPropertyMultipleAnswer(const Result& result,
+                                              const Service::ObjectAccess::ReadPropertyMultiple& request,
+                                              Service::ObjectAccess::ReadPropertyMultipleAck& ack);
+    static Request writePropertyRequest(const DataType::BACnetObjectPropertyReference& what,
+                                        const TQ::Utility::OctetBuffer& value, uint8_t priority);
+    static Outcome writePropertyAnswer(const Result& result);
+    static Request readRangeRequest(const Service::ObjectAccess::ReadRange& request);
+    static Outcome readRangeAnswer(const Result& result, const Service::ObjectAccess::ReadRange& request,
+                                   Service::ObjectAccess::ReadRangeAck& ack);
+
 private:
-    Result confirmed(const Target& target, uint8_t service, const std::vector<uint8_t>& data);
+    Result confirmed(const Target& target, const Request& request);
 
     Client& _client;
     unsigned _bindMs;
