@@ -1,0 +1,76 @@
+#pragma once
+
+#include "TQ_BACnet/DataType/ObjectIdentifier.h"
+#include "TQ_BACnet/ValueContainer.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+#include <vector>
+
+namespace TQ {
+namespace Utility {
+namespace Data {
+class SmoDbSession;
+}
+}  // namespace Utility
+namespace BACnet {
+namespace Gateway {
+
+struct Config;
+
+/// The stored tree of the devices the gateway found (embedded SQLite, or PostgreSQL when
+/// configured) and the values kept in it. Every database call is serialised here: the session
+/// and the prepared update statement belong to one thread at a time. A database that fails
+/// (read-only file, server gone) makes the calls that need it return false with `lastError`;
+/// the gateway goes on without it.
+class Store {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Opens the database (creating the catalogue on first use) and makes it the process-wide
+    /// session. One store per process: the prepared update statement lives as long as the process.
+    explicit Store(const Config& config);
+    ~Store();
+
+    /// One object found on a device, with the values stored at discovery.
+    struct FoundObject {
+        DataType::ObjectIdentifier id;
+        std::vector<std::pair<BACNET_PROPERTY_ID, ValueContainer>> values;
+    };
+    /// Stores (or updates) a device and its objects in one transaction; false on failure.
+    bool storeDevice(uint32_t instance, const std::vector<FoundObject>& objects);
+
+    /// The row of a stored property, or -1.
+    int propertyRow(uint32_t device, DataType::ObjectIdentifier object, BACNET_PROPERTY_ID property) const;
+    /// The stored value text of a row written within maxAgeMs; false when older or unknown.
+    bool freshValue(int row, unsigned maxAgeMs, std::string& text);
+    /// Writes a value through the prepared update statement and notes its time.
+    bool update(int row, const ValueContainer& value);
+
+    /// The devices and their objects as stored.
+    std::map<uint32_t, std::vector<DataType::ObjectIdentifier>> tree() const;
+    std::vector<DataType::ObjectIdentifier> objectsOf(uint32_t device) const;
+    std::string lastError() const;
+
+private:
+    int deviceKey(uint32_t instance);
+    void loadIndex();
+    void fail(const std::string& what, const std::exception& e);
+
+    using Key = std::tuple<uint32_t, uint32_t, uint32_t>;  // device, packed object, property
+    mutable std::mutex _mutex;
+    std::unique_ptr<Utility::Data::SmoDbSession> _db;
+    std::map<Key, int> _rows;
+    std::map<uint32_t, std::vector<DataType::ObjectIdentifier>> _objects;
+    std::unordered_map<int, Clock::time_point> _written;
+    std::string _lastError;
+};
+
+}  // namespace Gateway
+}  // namespace BACnet
+}  // namespace TQ

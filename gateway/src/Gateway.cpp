@@ -1,0 +1,254 @@
+#include "TQ_BACnet/Gateway/Gateway.h"
+
+#include "TQ/Utility/OctetBuffer.h"
+#include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/DataType/ReadAccessResult.h"
+#include "TQ_BACnet/DataType/ReadAccessSpecification.h"
+#include "TQ_BACnet/WS/UriParser.h"
+#include "TQ_BACnet/WS/DataWsError.h"
+
+#include <Poco/Exception.h>
+
+#include <algorithm>
+#include <iostream>
+
+namespace TQ {
+namespace BACnet {
+namespace Gateway {
+
+using DataType::BACnetObjectPropertyReference;
+using DataType::BACnetPropertyReference;
+using DataType::ObjectIdentifier;
+using Net::DeviceOperations;
+using Net::Outcome;
+using Net::Result;
+using namespace Service::ObjectAccess;
+
+namespace {
+
+// Objects asked for in one ReadPropertyMultiple at discovery: small enough for one APDU each way
+// on any device that takes 480 octets.
+constexpr std::size_t kObjectsPerRequest = 8;
+constexpr unsigned kMaxBackOffMs = 60000;
+
+Outcome failed(const std::string& why) { return Outcome::failed(why); }
+
+}  // namespace
+
+Gateway::Gateway(const Config& config) : _config(config), _store(config), _port(config) {
+    WS::UriParser::setLocalDevInstance(config.localDevice);
+}
+
+Gateway::~Gateway() {
+    {
+        std::lock_guard<std::mutex> lock(_pollMutex);
+        _stopPolling = true;
+    }
+    _pollWake.notify_all();
+    if (_poller.joinable()) _poller.join();
+}
+
+Result Gateway::run(uint32_t device, Net::Request request) {
+    std::future<Result> answer = _port.submit(device, std::move(request));
+    // The port always answers (its client times out), unless it is being torn down.
+    const auto limit = std::chrono::milliseconds(_config.apduTimeoutMs * (_config.retries + 1) * 4 + 5000);
+    if (answer.wait_for(limit) != std::future_status::ready) {
+        Result r;
+        r.kind = Result::Timeout;
+        return r;
+    }
+    Result r = answer.get();
+    noteAnswer(device, r);
+    return r;
+}
+
+void Gateway::noteAnswer(uint32_t device, const Result& result) {
+    std::lock_guard<std::mutex> lock(_healthMutex);
+    Health& h = _health[device];
+    if (result.kind != Result::Timeout) {
+        h.failures = 0;
+        return;
+    }
+    ++h.failures;
+    const unsigned backOff = std::min(kMaxBackOffMs, _config.apduTimeoutMs << std::min(h.failures, 6u));
+    h.retryAt = Store::Clock::now() + std::chrono::milliseconds(backOff);
+}
+
+bool Gateway::isResting(uint32_t device) const {
+    std::lock_guard<std::mutex> lock(_healthMutex);
+    const auto it = _health.find(device);
+    return it != _health.end() && it->second.failures > 0 && Store::Clock::now() < it->second.retryAt;
+}
+
+Outcome Gateway::readProperty(uint32_t device, const BACnetObjectPropertyReference& what, ValueContainer& value,
+                              bool allowStored, bool* fromStore) {
+    if (fromStore) *fromStore = false;
+    const int row = what.hasArrayIndex() ? -1
+                                         : _store.propertyRow(device, what.getObjectIdentifier(),
+                                                              what.getPropertyIdentifier());
+    if (allowStored && row >= 0) {
+        std::string text;
+        const DataPropertyInObject0& d = value.getDescriptor();
+        DataPropertyInObject0 descriptor(d);
+        if (_store.freshValue(row, _config.maxAgeMs, text) &&
+            DataPropertyInObject0::getValueTypeAndStructure(what.getObjectIdentifier().getObjectType(),
+                                                            what.getPropertyIdentifier(), descriptor, false) &&
+            value.setText(descriptor.datatype, descriptor.tag, text, true)) {
+            if (fromStore) *fromStore = true;
+            return Outcome::done();
+        }
+    }
+    const Net::Request request = DeviceOperations::readPropertyRequest(what);
+    if (!request.ok()) return failed(request.why);
+    const Outcome o = DeviceOperations::readPropertyAnswer(run(device, request), what, value);
+    if (o.ok() && row >= 0) _store.update(row, value);
+    return o;
+}
+
+Outcome Gateway::readPropertyMultiple(uint32_t device, const ReadPropertyMultiple& request,
+                                      ReadPropertyMultipleAck& ack) {
+    const Net::Request r = DeviceOperations::readPropertyMultipleRequest(request);
+    if (!r.ok()) return failed(r.why);
+    return DeviceOperations::readPropertyMultipleAnswer(run(device, r), request, ack);
+}
+
+Outcome Gateway::writeProperty(uint32_t device, const BACnetObjectPropertyReference& what,
+                               const TQ::Utility::OctetBuffer& value, uint8_t priority) {
+    const Net::Request r = DeviceOperations::writePropertyRequest(what, value, priority);
+    if (!r.ok()) return failed(r.why);
+    const Outcome o = DeviceOperations::writePropertyAnswer(run(device, r));
+    if (o.ok()) {
+        // The stored value no longer tells what the device holds.
+        const int row = _store.propertyRow(device, what.getObjectIdentifier(), what.getPropertyIdentifier());
+        ValueContainer fresh;
+        if (row >= 0 && readProperty(device, BACnetObjectPropertyReference(what.getObjectIdentifier(),
+                                                                          what.getPropertyIdentifier(),
+                                                                          BACNET_ARRAY_ALL),
+                                     fresh, false)
+                            .ok())
+            _store.update(row, fresh);
+    }
+    return o;
+}
+
+Outcome Gateway::readRange(uint32_t device, const ReadRange& request, ReadRangeAck& ack) {
+    const Net::Request r = DeviceOperations::readRangeRequest(request);
+    if (!r.ok()) return failed(r.why);
+    return DeviceOperations::readRangeAnswer(run(device, r), request, ack);
+}
+
+bool Gateway::readObjects(uint32_t device, std::vector<Store::FoundObject>& objects) {
+    const ObjectIdentifier self(OBJECT_DEVICE, device);
+    std::vector<ObjectIdentifier> ids;
+    ValueContainer list;
+    Outcome o = readProperty(device, BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, BACNET_ARRAY_ALL), list,
+                             false);
+    if (o.ok()) {
+        std::vector<DataApplicationValue> values;
+        list.getValues(values);
+        for (const auto& v : values)
+            if (v.getTag() == BACNET_APPLICATION_TAG_OBJECT_ID) ids.emplace_back(v, nullptr);
+    } else {
+        // A device that cannot send the whole list (no segmentation): its length, then each element.
+        ValueContainer count;
+        if (!readProperty(device, BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, 0), count, false).ok())
+            return false;
+        for (unsigned i = 1; i <= count.getUInt(); ++i) {
+            ValueContainer one;
+            if (readProperty(device, BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, i), one, false).ok())
+                ids.push_back(one.getObjectIdentifier());
+        }
+    }
+    for (std::size_t first = 0; first < ids.size(); first += kObjectsPerRequest) {
+        ReadPropertyMultiple rpm;
+        const std::size_t end = std::min(ids.size(), first + kObjectsPerRequest);
+        for (std::size_t i = first; i < end; ++i) {
+            DataType::ReadAccessSpecification spec(ids[i]);
+            spec.addPropertyReference(BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0));
+            spec.addPropertyReference(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
+            rpm.addRAS(spec);
+        }
+        ReadPropertyMultipleAck ack;
+        const bool answered = readPropertyMultiple(device, rpm, ack).ok();
+        for (std::size_t i = first; i < end; ++i) {
+            Store::FoundObject found;
+            found.id = ids[i];
+            if (answered) {
+                const DataType::ReadAccessResult& result = *(ack.beginRAR() + std::ptrdiff_t(i - first));
+                for (const auto& value : result.getPropertyValues())
+                    if (value.getValue().getDataType() != BACNET_DT_ERROR)
+                        found.values.emplace_back(value.getPropertyIdentifier(), value.getValue());
+            }
+            objects.push_back(std::move(found));
+        }
+    }
+    return true;
+}
+
+std::vector<uint32_t> Gateway::discover() {
+    std::vector<uint32_t> found;
+    for (const Net::IAm& iam : _port.discover(_config.discoverMs).get()) {
+        found.push_back(iam.deviceInstance);
+        std::vector<Store::FoundObject> objects;
+        try {
+            if (readObjects(iam.deviceInstance, objects)) _store.storeDevice(iam.deviceInstance, objects);
+        } catch (const Poco::Exception& e) {
+            std::cerr << "device " << iam.deviceInstance << ": objects not read: " << e.displayText() << std::endl;
+        }
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+void Gateway::startPolling() {
+    if (_config.polling.empty() || _poller.joinable()) return;
+    _poller = std::thread([this] { poll(); });
+}
+
+void Gateway::poll() {
+    struct Item {
+        uint32_t device;
+        BACnetObjectPropertyReference what;
+        std::chrono::milliseconds interval;
+        Store::Clock::time_point due;
+        std::future<Result> answer;
+    };
+    std::vector<Item> items;
+    for (const PollItem& p : _config.polling) {
+        WS::DataWsError error;
+        try {
+            const ObjectIdentifier object(p.object);
+            const BACNET_PROPERTY_ID property = WS::UriParser::getPropIdentifier(p.property, error);
+            items.push_back(Item{p.device, BACnetObjectPropertyReference(object, property, BACNET_ARRAY_ALL),
+                                 std::chrono::milliseconds(p.intervalMs), Store::Clock::now(), {}});
+        } catch (const Poco::Exception& e) {
+            std::cerr << "polling: " << p.object << " " << p.property << " left out: " << e.displayText()
+                      << std::endl;
+        }
+    }
+    std::unique_lock<std::mutex> lock(_pollMutex);
+    while (!_stopPolling) {
+        const auto now = Store::Clock::now();
+        for (Item& item : items) {
+            if (item.answer.valid()) {
+                if (item.answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready) continue;
+                const Result r = item.answer.get();
+                noteAnswer(item.device, r);
+                ValueContainer value;
+                const int row = _store.propertyRow(item.device, item.what.getObjectIdentifier(),
+                                                   item.what.getPropertyIdentifier());
+                if (DeviceOperations::readPropertyAnswer(r, item.what, value).ok() && row >= 0)
+                    _store.update(row, value);
+                continue;
+            }
+            if (now < item.due || isResting(item.device)) continue;
+            item.due = now + item.interval;
+            item.answer = _port.submit(item.device, DeviceOperations::readPropertyRequest(item.what));
+        }
+        _pollWake.wait_for(lock, std::chrono::milliseconds(10));
+    }
+}
+
+}  // namespace Gateway
+}  // namespace BACnet
+}  // namespace TQ

@@ -1,0 +1,178 @@
+#include "TQ_BACnet/Gateway/Store.h"
+
+#include "TQ/Utility/Data/EmbeddedDatabase.h"
+#include "TQ/Utility/Data/EntityServer.h"
+#include "TQ/Utility/Data/PostgreSQLDatabase.h"
+#include "TQ/Utility/Data/SmoDbSession.h"
+#include "TQ_BACnet/Entity/BnDevice.h"
+#include "TQ_BACnet/Entity/BnDeviceObjectProperty.h"
+#include "TQ_BACnet/Entity/BnGw.h"
+#include "TQ_BACnet/Gateway/Config.h"
+#include "TQ_BACnet/Service/ObjectAccess/CreateObject.h"
+
+#include <Poco/Data/Statement.h>
+#include <Poco/Exception.h>
+
+#include <iostream>
+
+namespace TQ {
+namespace BACnet {
+namespace Gateway {
+
+using namespace Poco::Data::Keywords;
+using TQ::Utility::Data::pDB;
+
+namespace {
+
+// The prepared update statement of the stored values: made once, on the first session, and
+// then only re-executed (the library keeps its bound values for the process).
+std::unique_ptr<Poco::Data::Statement>& updateStatement() {
+    static std::unique_ptr<Poco::Data::Statement> statement;
+    return statement;
+}
+
+}  // namespace
+
+Store::Store(const Config& config) {
+    _db = config.postgresql.empty() ? Utility::Data::openEmbeddedDatabase(config.sqliteFile)
+                                    : Utility::Data::openPostgreSQLDatabase(config.postgresql);
+    pDB = _db.get();
+    if (!updateStatement()) updateStatement() = std::make_unique<Poco::Data::Statement>(_db->getSession());
+    try {
+        loadIndex();
+    } catch (const std::exception& e) {
+        fail("reading the stored tree", e);
+    }
+}
+
+Store::~Store() {
+    std::lock_guard<std::mutex> lock(_mutex);
+    if (pDB == _db.get()) pDB = nullptr;
+}
+
+void Store::fail(const std::string& what, const std::exception& e) {
+    const auto* poco = dynamic_cast<const Poco::Exception*>(&e);
+    _lastError = "database: " + what + ": " + (poco ? poco->displayText() : std::string(e.what()));
+    std::cerr << _lastError << std::endl;
+}
+
+std::string Store::lastError() const {
+    std::lock_guard<std::mutex> lock(_mutex);
+    return _lastError;
+}
+
+void Store::loadIndex() {
+    std::vector<int> devices, types, instances, properties, rows, deviceKeys, deviceInstances;
+    {
+        Poco::Data::Statement s(_db->getSession());
+        s << "SELECT id_bn_device, instance_nr FROM bn_device_object WHERE id_bn_object_type=8",
+            into(deviceKeys), into(deviceInstances), now;
+    }
+    std::map<int, uint32_t> instanceOf;
+    for (std::size_t i = 0; i < deviceKeys.size(); ++i) instanceOf[deviceKeys[i]] = uint32_t(deviceInstances[i]);
+    Poco::Data::Statement s(_db->getSession());
+    s << "SELECT o.id_bn_device, o.id_bn_object_type, o.instance_nr, "
+         "COALESCE(p.id_bn_property_type, -1), COALESCE(p.id_bn_device_object_property, -1) "
+         "FROM bn_device_object o LEFT JOIN bn_device_object_property p "
+         "ON p.id_bn_device_object=o.id_bn_device_object ORDER BY 1, 2, 3",
+        into(devices), into(types), into(instances), into(properties), into(rows), now;
+    _rows.clear();
+    _objects.clear();
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+        const auto device = instanceOf.find(devices[i]);
+        if (device == instanceOf.end()) continue;
+        const DataType::ObjectIdentifier id(BACNET_OBJECT_TYPE(types[i]), unsigned(instances[i]));
+        auto& objects = _objects[device->second];
+        if (objects.empty() || objects.back() != id) objects.push_back(id);
+        if (rows[i] >= 0) _rows[Key(device->second, id.getValue(), uint32_t(properties[i]))] = rows[i];
+    }
+}
+
+int Store::deviceKey(uint32_t instance) {
+    int key = -1;
+    Poco::Data::Statement s(_db->getSession());
+    s << "SELECT id_bn_device FROM bn_device_object WHERE id_bn_object_type=8 AND instance_nr=?",
+        into(key), useRef(instance), limit(1), now;
+    if (key >= 0) return key;
+    Utility::Data::EntityServer server(_db.get());
+    Entity::BnGw gw(true);
+    Entity::BnDevice device(true);
+    device.setEnabled(true);
+    gw.addDevice(device);
+    gw.updateAll(server, nullptr);
+    return gw.getDevices()->begin()->first;
+}
+
+bool Store::storeDevice(uint32_t instance, const std::vector<FoundObject>& objects) {
+    std::lock_guard<std::mutex> lock(_mutex);
+    try {
+        _db->begin();
+        const int key = deviceKey(instance);
+        for (const FoundObject& found : objects) {
+            Service::ObjectAccess::CreateObject create(found.id, true);
+            for (const auto& value : found.values) create.addInitialValue(value.first, value.second);
+            DataError why;
+            // An object whose values the catalogue cannot place (a proprietary type) is left out.
+            if (create.dbUpdate(key, 1, -1, Poco::Nullable<int>(), &why) < 0) {
+                Service::ObjectAccess::CreateObject bare(found.id, true);
+                bare.dbUpdate(key, 1, -1, Poco::Nullable<int>(), &why);
+            }
+        }
+        _db->commit();
+        loadIndex();
+        return true;
+    } catch (const std::exception& e) {
+        _db->rollback();
+        fail("storing device " + std::to_string(instance), e);
+        return false;
+    }
+}
+
+int Store::propertyRow(uint32_t device, DataType::ObjectIdentifier object, BACNET_PROPERTY_ID property) const {
+    std::lock_guard<std::mutex> lock(_mutex);
+    const auto it = _rows.find(Key(device, object.getValue(), uint32_t(property)));
+    return it == _rows.end() ? -1 : it->second;
+}
+
+bool Store::freshValue(int row, unsigned maxAgeMs, std::string& text) {
+    std::lock_guard<std::mutex> lock(_mutex);
+    const auto written = _written.find(row);
+    if (written == _written.end() || Clock::now() - written->second > std::chrono::milliseconds(maxAgeMs))
+        return false;
+    try {
+        return Entity::BnDeviceObjectProperty::dbGetPropertyValue(row, text);
+    } catch (const std::exception& e) {
+        fail("reading a stored value", e);
+        return false;
+    }
+}
+
+bool Store::update(int row, const ValueContainer& value) {
+    std::string text;
+    value.getText(text, false);
+    std::lock_guard<std::mutex> lock(_mutex);
+    try {
+        Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, updateStatement().get());
+        _written[row] = Clock::now();
+        return true;
+    } catch (const std::exception& e) {
+        _written.erase(row);
+        fail("storing a value", e);
+        return false;
+    }
+}
+
+std::map<uint32_t, std::vector<DataType::ObjectIdentifier>> Store::tree() const {
+    std::lock_guard<std::mutex> lock(_mutex);
+    return _objects;
+}
+
+std::vector<DataType::ObjectIdentifier> Store::objectsOf(uint32_t device) const {
+    std::lock_guard<std::mutex> lock(_mutex);
+    const auto it = _objects.find(device);
+    return it == _objects.end() ? std::vector<DataType::ObjectIdentifier>() : it->second;
+}
+
+}  // namespace Gateway
+}  // namespace BACnet
+}  // namespace TQ
