@@ -10,6 +10,7 @@ namespace Apps {
 
 std::vector<Command> offlineCommands();
 std::vector<Command> catalogueCommands();
+std::vector<Command> networkCommands();
 
 }  // namespace Apps
 }  // namespace TQ

@@ -27,6 +27,7 @@ const std::vector<Command>& commands() {
         std::vector<Command> all;
         for (Command& command : offlineCommands()) all.push_back(std::move(command));
         for (Command& command : catalogueCommands()) all.push_back(std::move(command));
+        for (Command& command : networkCommands()) all.push_back(std::move(command));
         for (Command& command : all) {
             command.options.insert(command.options.end(), commonOptions().begin(), commonOptions().end());
         }
