@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# Installs, builds and runs the main job on the embedded SQLite database.
+# The main job on the embedded SQLite database: installs, builds, and shows the library at work
+# against a simulated BACnet/IP device on loopback (see scripts/cli-demo.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
-scripts/build.sh
-exec build/apps/tq-catalogue/tq-catalogue data/tq_bacnet.db "$@"
+exec scripts/cli-demo.sh "$@"
