@@ -82,17 +82,19 @@ class LoopbackTest : public ::testing::Test {
 protected:
     const uint16_t port = basePort();
 
+    // Short enough for the tests, long enough for a loaded machine.
+    static ClientOptions quick(unsigned timeoutMs = 1000) {
+        ClientOptions o;
+        o.apduTimeoutMs = timeoutMs;
+        o.retries = 2;
+        return o;
+    }
+
     void open(const std::string& ip = "127.0.0.1", uint16_t udpPort = 0, ClientOptions options = quick()) {
         bacnet = std::make_unique<BipClient>(portAt(ip, udpPort ? udpPort : port, true), options);
         socket = &bacnet->socket();
         link = &bacnet->link();
         client = &bacnet->client();
-    }
-    static ClientOptions quick() {
-        ClientOptions o;
-        o.apduTimeoutMs = 300;
-        o.retries = 2;
-        return o;
     }
     void TearDown() override { bacnet.reset(); }
     Result read(const BACNET_ADDRESS& to, uint32_t type, uint32_t instance, uint32_t property,
@@ -350,9 +352,9 @@ TEST_F(LoopbackTest, LostRequestIsRetriedAndASilentDeviceTimesOut) {
     lossy.dropFirstRequests = 1;
     mute.mute = true;
     DeviceThread a("127.0.0.2", port, 7, lossy), b("127.0.0.3", port, 8, mute);
-    open();
+    open("127.0.0.1", 0, quick(300));
     EXPECT_EQ(read(bip("127.0.0.2", port), OBJECT_DEVICE, 7, PROP_OBJECT_NAME).kind, Result::ComplexAck);
-    EXPECT_EQ(a.device.requestsSeen(), 2u);
+    EXPECT_GE(a.device.requestsSeen(), 2u);
     const auto start = Clock::now();
     EXPECT_EQ(read(bip("127.0.0.3", port), OBJECT_DEVICE, 8, PROP_OBJECT_NAME).kind, Result::Timeout);
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
