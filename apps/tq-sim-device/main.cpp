@@ -2,13 +2,20 @@
 //
 //   tq-sim-device [--instance N] [--name TEXT] [--interface NAME|ADDRESS] [--port UDP]
 //                 [--broadcast ADDRESS] [--objects N] [--log-records N] [--drop-first N]
-//                 [--bbmd ADDRESS:PORT [--ttl SECONDS]]
+//                 [--bbmd ADDRESS:PORT [--ttl SECONDS]] [--database FILE]
 //
 // Serves a device object and a demo set (analog, binary and multi-state objects, a trend log,
-// a schedule, and N further analog values) until interrupted.
+// a schedule, and N further analog values) until interrupted. With --database the objects are
+// also rows of the stored tree in that embedded database (created on first use), and objects
+// are created and deleted there first.
+#include "TQ/Utility/Data/EmbeddedDatabase.h"
+#include "TQ/Utility/Data/SmoDbSession.h"
 #include "TQ_BACnet/Net/SimDevice.h"
+#include "TQ_BACnet/Net/TreeStore.h"
 
 #include <arpa/inet.h>
+
+#include <Poco/Exception.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -25,7 +32,7 @@ void onSignal(int) { gStop = true; }
 int usage() {
     std::cerr << "usage: tq-sim-device [--instance N] [--name TEXT] [--interface NAME|ADDRESS] [--port UDP]\n"
                  "                     [--broadcast ADDRESS] [--objects N] [--log-records N] [--drop-first N]\n"
-                 "                     [--bbmd ADDRESS:PORT [--ttl SECONDS]]\n";
+                 "                     [--bbmd ADDRESS:PORT [--ttl SECONDS]] [--database FILE]\n";
     return 2;
 }
 
@@ -48,7 +55,7 @@ int main(int argc, char** argv) {
     PortOptions port;
     SimDeviceOptions device;
     uint32_t instance = 1234;
-    std::string name = "simulated device";
+    std::string name = "simulated device", databaseFile;
     unsigned objects = 0, logRecords = 100, ttl = 60;
     uint8_t bbmd[6];
     bool foreign = false;
@@ -66,12 +73,14 @@ int main(int argc, char** argv) {
         else if (arg == "--log-records") logRecords = unsigned(number);
         else if (arg == "--drop-first") device.dropFirstRequests = unsigned(number);
         else if (arg == "--ttl") ttl = unsigned(number);
+        else if (arg == "--database") databaseFile = value;
         else if (arg == "--bbmd") {
             if (!parseEndpoint(value, bbmd)) return usage();
             foreign = true;
         } else return usage();
     }
     if (instance > 4194302) return usage();
+    std::unique_ptr<TQ::Utility::Data::SmoDbSession> session;
     std::signal(SIGINT, onSignal);
     std::signal(SIGTERM, onSignal);
     try {
@@ -80,6 +89,14 @@ int main(int argc, char** argv) {
         SimObjects database(instance, name);
         database.addDemoSet(logRecords, objects);
         SimDevice sim(link, database, device);
+        std::unique_ptr<TreeStore> tree;
+        if (!databaseFile.empty()) {
+            session = TQ::Utility::Data::openEmbeddedDatabase(databaseFile);
+            TQ::Utility::Data::pDB = session.get();
+            tree = std::make_unique<TreeStore>(name);
+            tree->storeAll(database);
+            sim.setStore(tree.get());
+        }
         if (foreign) link.registerForeignDevice(bbmd, uint16_t(ttl));
         const uint8_t* own = socket.address();
         std::cout << "device " << instance << " at " << unsigned(own[0]) << "." << unsigned(own[1]) << "."
@@ -87,9 +104,13 @@ int main(int argc, char** argv) {
                   << database.size() << " objects" << std::endl;
         sim.announce();
         sim.run(gStop);
+    } catch (const Poco::Exception& e) {
+        std::cerr << "tq-sim-device: " << e.displayText() << std::endl;
+        return 1;
     } catch (const std::exception& e) {
         std::cerr << "tq-sim-device: " << e.what() << std::endl;
         return 1;
     }
+    TQ::Utility::Data::pDB = nullptr;
     return 0;
 }

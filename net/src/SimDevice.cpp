@@ -113,7 +113,7 @@ void SimDevice::confirmed(const Received& frame) {
         const int n = apdu_encode_abort(apdu, header.invoke_id, ABORT_REASON_SEGMENTATION_NOT_SUPPORTED, true);
         return _send(frame.source, apdu, unsigned(n));
     }
-    const Response r = serve(_objects, header.service_choice, frame.apdu + h, frame.apduLength - unsigned(h));
+    const Response r = serve(_objects, _store, header.service_choice, frame.apdu + h, frame.apduLength - unsigned(h));
     const uint8_t id = header.invoke_id, service = header.service_choice;
     uint8_t small[32];
     int n = 0;

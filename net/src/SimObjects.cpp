@@ -52,9 +52,9 @@ Encoded timeValue(uint8_t h, uint8_t m) {
     const BACNET_TIME time{h, m, 0, 0};
     return encoded([&time](uint8_t* p) { return encode_application_time(p, &time); });
 }
-Encoded concat(std::initializer_list<Encoded> parts) {
+Encoded concat(std::initializer_list<Encoded> pieces) {
     Encoded all;
-    for (const Encoded& e : parts) all.insert(all.end(), e.begin(), e.end());
+    for (const Encoded& e : pieces) all.insert(all.end(), e.begin(), e.end());
     return all;
 }
 Encoded tag(bool open, uint8_t number) {

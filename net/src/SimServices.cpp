@@ -1,5 +1,7 @@
 #include "SimServices.h"
 
+#include "TQ_BACnet/Net/TreeStore.h"
+
 #include "tq_stack/codec.h"
 #include "tq_stack/create_object.h"
 #include "tq_stack/rp.h"
@@ -206,7 +208,7 @@ Response readRange(SimObjects& objects, const uint8_t* data, unsigned length) {
     return complex(std::move(ack));
 }
 
-Response createObject(SimObjects& objects, const uint8_t* data, unsigned length) {
+Response createObject(SimObjects& objects, TreeStore* store, const uint8_t* data, unsigned length) {
     BACNET_PROPERTY_VALUE_REF values[kMaxInitialValues];
     BACNET_CREATE_OBJECT_DATA request{};
     request.values = values;
@@ -226,31 +228,39 @@ Response createObject(SimObjects& objects, const uint8_t* data, unsigned length)
             return error(why, Response::ErrorWithElement, i + 1);
         }
     }
+    if (store && !store->create(request.object_type, instance, values, request.count, why)) {
+        Failure ignored;
+        objects.remove(request.object_type, instance, ignored);
+        return error(why, Response::ErrorWithElement, 0);
+    }
     Encoded ack;
     append(ack, [&](uint8_t* p) { return encode_application_object_id(p, request.object_type, instance); });
     return complex(std::move(ack));
 }
 
-Response deleteObject(SimObjects& objects, const uint8_t* data, unsigned length) {
+Response deleteObject(SimObjects& objects, TreeStore* store, const uint8_t* data, unsigned length) {
     BACNET_OBJECT_TYPE type;
     uint32_t instance = 0;
     if (delete_object_decode_service_request(data, length, &type, &instance) < 0)
         return reject(REJECT_REASON_INVALID_TAG);
     Failure why;
+    // The objects know which ones exist and which may go; the tree must agree before they change.
+    const bool known = objects.find(type, instance) && type != OBJECT_DEVICE;
+    if (known && store && !store->remove(type, instance, why)) return error(why);
     if (!objects.remove(type, instance, why)) return error(why);
     return simple();
 }
 
 }  // namespace
 
-Response serve(SimObjects& objects, uint8_t service, const uint8_t* data, unsigned length) {
+Response serve(SimObjects& objects, TreeStore* store, uint8_t service, const uint8_t* data, unsigned length) {
     switch (service) {
         case SERVICE_CONFIRMED_READ_PROPERTY: return readProperty(objects, data, length);
         case SERVICE_CONFIRMED_READ_PROP_MULTIPLE: return readPropertyMultiple(objects, data, length);
         case SERVICE_CONFIRMED_WRITE_PROPERTY: return writeProperty(objects, data, length);
         case SERVICE_CONFIRMED_READ_RANGE: return readRange(objects, data, length);
-        case SERVICE_CONFIRMED_CREATE_OBJECT: return createObject(objects, data, length);
-        case SERVICE_CONFIRMED_DELETE_OBJECT: return deleteObject(objects, data, length);
+        case SERVICE_CONFIRMED_CREATE_OBJECT: return createObject(objects, store, data, length);
+        case SERVICE_CONFIRMED_DELETE_OBJECT: return deleteObject(objects, store, data, length);
         default: return reject(REJECT_REASON_UNRECOGNIZED_SERVICE);
     }
 }

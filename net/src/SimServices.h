@@ -17,7 +17,10 @@ struct Response {
     uint8_t reason = REJECT_REASON_UNRECOGNIZED_SERVICE;
 };
 
-Response serve(SimObjects& objects, uint8_t service, const uint8_t* data, unsigned length);
+class TreeStore;
+
+/// `store` (may be null) takes object creation and deletion before the objects do.
+Response serve(SimObjects& objects, TreeStore* store, uint8_t service, const uint8_t* data, unsigned length);
 
 }  // namespace Net
 }  // namespace BACnet

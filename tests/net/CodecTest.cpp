@@ -103,7 +103,7 @@ BACNET_ADDRESS network(uint16_t net, const Bytes& adr) {
     BACNET_ADDRESS a{};
     a.net = net;
     a.len = uint8_t(adr.size());
-    std::memcpy(a.adr, adr.data(), adr.size());
+    if (!adr.empty()) std::memcpy(a.adr, adr.data(), adr.size());
     return a;
 }
 
@@ -256,7 +256,7 @@ TEST(RpmServer, DecodesWhatClientsSendAndAnswersWhatTheyDecode) {
     EXPECT_TRUE(refs[0].first_of_object && !refs[1].first_of_object && refs[2].first_of_object);
     EXPECT_EQ(refs[1].array_index, 8u);
     EXPECT_EQ(refs[2].property, PROP_ALL);
-    // Truncated everywhere but after the first object's specification, a whole request.
+    // Truncated everywhere but after the first object's property list, a whole request.
     for (size_t cut = 0; cut < body.size(); ++cut) {
         auto part = exact(body, cut);
         EXPECT_EQ(rpm_decode_service_request(part.get(), uint32_t(cut), nullptr, nullptr),

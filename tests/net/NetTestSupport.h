@@ -4,6 +4,7 @@
 
 #include "TQ_BACnet/Net/Client.h"
 #include "TQ_BACnet/Net/SimDevice.h"
+#include "TQ_BACnet/Net/TreeStore.h"
 #include "tq_stack/bvlc.h"
 #include "tq_stack/npdu.h"
 
@@ -67,10 +68,12 @@ private:
 class DeviceThread : public Runner {
 public:
     DeviceThread(const std::string& ip, uint16_t port, uint32_t instance, const SimDeviceOptions& options = {},
-                 unsigned extraObjects = 0)
+                 unsigned extraObjects = 0, TreeStore* store = nullptr)
         : socket(portAt(ip, port)), link(socket, "device " + std::to_string(instance)),
           objects(instance, "device " + std::to_string(instance)), device(link, objects, options) {
         objects.addDemoSet(100, extraObjects);
+        if (store) store->storeAll(objects);
+        device.setStore(store);
         start();
     }
     ~DeviceThread() override { stop(); }

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <iomanip>
 #include <iostream>
 #include <thread>
 
@@ -139,9 +140,9 @@ bool SmoBVLL::updateBipAddress(unsigned deviceInstance, const DataType::BACnetAd
 void SmoBVLL::debugPrintAddress(const sockaddr* address, unsigned length, const std::string& prefix) {
     if (!address) return;
     const auto* sin = reinterpret_cast<const sockaddr_in*>(address);
-    std::cout << std::hex << prefix << " pAddr->sa_data=";
-    for (unsigned char c : address->sa_data) std::cout << unsigned(c);
-    std::cout << ", sa_family=" << address->sa_family << "\n          pSin->sin_addr="
+    std::cout << std::hex << prefix << " pAddr->sa_data=" << std::setfill('0');
+    for (char c : address->sa_data) std::cout << std::setw(2) << unsigned(static_cast<unsigned char>(c));
+    std::cout << std::setfill(' ') << ", sa_family=" << address->sa_family << "\n          pSin->sin_addr="
               << sin->sin_addr.s_addr << ", pSin->sin_port=" << sin->sin_port << ", addrLen=" << length
               << "\n          bip_get_addr()=" << bip_get_addr() << ", bip_get_port()=" << bip_get_port()
               << "\n          bip_get_broadcast_addr()=" << bip_get_broadcast_addr() << std::dec << std::endl;

@@ -12,6 +12,8 @@ namespace TQ {
 namespace BACnet {
 namespace Net {
 
+class TreeStore;
+
 struct SimDeviceOptions {
     /// Confirmed requests ignored before the first one is answered (a lossy link).
     unsigned dropFirstRequests = 0;
@@ -45,6 +47,9 @@ public:
     using Sender = std::function<void(const BACNET_ADDRESS& to, const uint8_t* apdu, unsigned length)>;
     void setSender(Sender sender) { _send = std::move(sender); }
 
+    /// Objects are created and deleted in `store` first (not owned; null: memory only).
+    void setStore(TreeStore* store) { _store = store; }
+
     unsigned requestsSeen() const { return _requests; }
 
 private:
@@ -61,6 +66,7 @@ private:
     SimObjects& _objects;
     SimDeviceOptions _options;
     Sender _send;
+    TreeStore* _store = nullptr;
     unsigned _requests = 0;
     std::map<uint64_t, std::unique_ptr<Outgoing>> _outgoing;
 };

@@ -53,6 +53,8 @@ public:
     SimObject* find(uint32_t type, uint32_t instance);
     uint32_t deviceInstance() const { return _device; }
     std::size_t size() const { return _order.size(); }
+    /// Every object, in object-list order: type in the upper, instance in the lower 32 bits.
+    const std::vector<uint64_t>& objectIds() const { return _order; }
 
     /// The value of one property (an array element with an index, 0 the array's size).
     bool read(uint32_t type, uint32_t instance, uint32_t property, uint32_t index, Encoded& out, Failure& why);
