@@ -76,8 +76,10 @@ void BM_RpmAckIntoContainers(benchmark::State& state) {
     const std::vector<uint8_t> bytes = rpmAck();
     Service::ObjectAccess::ReadPropertyMultipleAck ack;
     for (auto _ : state) {
-        const int length = ack.decodeServiceRequest(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr);
-        if (length != static_cast<int>(bytes.size()) || ack.sizeRAR() != kObjects) state.SkipWithError("decode");
+        const int length =
+            ack.decodeServiceRequest(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr);
+        if (length != static_cast<int>(bytes.size()) || ack.sizeRAR() != kObjects)
+            state.SkipWithError("decode");
         benchmark::DoNotOptimize(length);
     }
     state.SetItemsProcessed(state.iterations() * kObjects * kPropertiesPerObject);
@@ -87,7 +89,8 @@ void BM_RpmAckRawCodec(benchmark::State& state) {
     const std::vector<uint8_t> bytes = rpmAck();
     for (auto _ : state) {
         BACNET_READ_ACCESS_DATA first{};
-        const int length = rpm_ack_decode_service_request(bytes.data(), static_cast<uint32_t>(bytes.size()), &first);
+        const int length =
+            rpm_ack_decode_service_request(bytes.data(), static_cast<uint32_t>(bytes.size()), &first);
         if (length != static_cast<int>(bytes.size())) state.SkipWithError("decode");
         rpm_ack_free_all(&first);
         benchmark::DoNotOptimize(length);
@@ -112,7 +115,8 @@ std::vector<int> storedRows() {
     for (property = 0; property < kStoredValues; ++property) insert.execute();
     pDB->commit();
     std::vector<int> keys;
-    pDB->getSession() << "SELECT id_bn_device_object_property FROM bn_device_object_property", into(keys), now;
+    pDB->getSession() << "SELECT id_bn_device_object_property FROM bn_device_object_property", into(keys),
+        now;
     return keys;
 }
 
@@ -128,8 +132,8 @@ void storeValues(benchmark::State& state) {
         pDB->commit();
     }
     state.SetItemsProcessed(state.iterations() * static_cast<long>(keys.size()));
-    state.counters["rows/s"] =
-        benchmark::Counter(static_cast<double>(state.iterations() * keys.size()), benchmark::Counter::kIsRate);
+    state.counters["rows/s"] = benchmark::Counter(static_cast<double>(state.iterations() * keys.size()),
+                                                  benchmark::Counter::kIsRate);
 }
 
 void BM_Store10000ValuesSqlite(benchmark::State& state) {

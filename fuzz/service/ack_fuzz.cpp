@@ -54,7 +54,8 @@ struct Catalogue {
     std::unique_ptr<TQ::Utility::Data::SmoDbSession> db;
 };
 
-DataType::BACnetObjectPropertyReference ref(BACNET_OBJECT_TYPE type, unsigned instance, BACNET_PROPERTY_ID property) {
+DataType::BACnetObjectPropertyReference ref(BACNET_OBJECT_TYPE type, unsigned instance,
+                                            BACNET_PROPERTY_ID property) {
     return DataType::BACnetObjectPropertyReference(DataType::ObjectIdentifier(type, instance), property,
                                                    BACNET_ARRAY_ALL);
 }
@@ -83,7 +84,8 @@ void readPropertyMultiple(const uint8_t* data, unsigned size) {
     static const ReadPropertyMultiple asked = [] {
         ReadPropertyMultiple request;
         DataType::ReadAccessSpecification specification(DataType::ObjectIdentifier(OBJECT_ANALOG_INPUT, 3));
-        specification.addPropertyReference(DataType::BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
+        specification.addPropertyReference(
+            DataType::BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
         request.addRAS(specification);
         return request;
     }();
@@ -115,7 +117,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::unique_ptr<uint8_t[]> bytes(new uint8_t[size ? size : 1]);
     std::copy(data, data + size, bytes.get());
     const unsigned length = static_cast<unsigned>(size);
-    static void (*const decoders[])(const uint8_t*, unsigned) = {readProperty, readPropertyMultiple, readRange};
+    static void (*const decoders[])(const uint8_t*, unsigned) = {readProperty, readPropertyMultiple,
+                                                                 readRange};
     decoders[TQ_FUZZ_ACK](bytes.get(), length);
     return 0;
 }

@@ -18,7 +18,8 @@ int ReadPropertyMultiple::encode(uint8_t invokeId, uint8_t* apdu, int maxApdu) c
     try {
         for (auto it = _specifications.begin(); it != _specifications.end(); ++it) {
             if (it != _specifications.begin()) {
-                auto* record = static_cast<BACnet_Read_Access_Data*>(std::calloc(1, sizeof(BACnet_Read_Access_Data)));
+                auto* record =
+                    static_cast<BACnet_Read_Access_Data*>(std::calloc(1, sizeof(BACnet_Read_Access_Data)));
                 if (!record) throw std::bad_alloc();
                 last->next = record;
                 last = record;
@@ -45,7 +46,8 @@ int ReadPropertyMultiple::decodeServiceRequest(const uint8_t*, unsigned) {
 }
 
 int ReadPropertyMultiple::decode(const uint8_t* apdu, unsigned length, uint8_t& invokeId) {
-    const int header = Detail::checkRequestHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId);
+    const int header =
+        Detail::checkRequestHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId);
     return header < 1 ? header : -1;
 }
 

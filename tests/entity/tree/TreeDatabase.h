@@ -38,7 +38,8 @@ public:
     /// What another process passes to `openAt` to open the same database.
     const std::string& location() const { return _location; }
 
-    static std::unique_ptr<TQ::Utility::Data::SmoDbSession> openAt(bool postgres, const std::string& location) {
+    static std::unique_ptr<TQ::Utility::Data::SmoDbSession> openAt(bool postgres,
+                                                                   const std::string& location) {
         return postgres ? TQ::Utility::Data::openPostgreSQLDatabase(location)
                         : TQ::Utility::Data::openEmbeddedDatabase(location);
     }
@@ -86,12 +87,12 @@ private:
 }  // namespace TQTest
 
 /// First line of every test that needs the database.
-#define TQ_TREE_DATABASE()                                                                          \
-    do {                                                                                            \
+#define TQ_TREE_DATABASE()                                                                               \
+    do {                                                                                                 \
         if (TQTest::TreeDatabase::unavailable()) GTEST_SKIP() << "no PostgreSQL server (TQ_PG_CONNECT)"; \
-        try {                                                                                       \
-            TQTest::TreeDatabase::open();                                                           \
-        } catch (const Poco::Exception& e) {                                                        \
-            FAIL() << e.displayText();                                                              \
-        }                                                                                           \
+        try {                                                                                            \
+            TQTest::TreeDatabase::open();                                                                \
+        } catch (const Poco::Exception& e) {                                                             \
+            FAIL() << e.displayText();                                                                   \
+        }                                                                                                \
     } while (0)

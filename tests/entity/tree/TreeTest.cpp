@@ -33,7 +33,8 @@ Poco::ProcessHandle launchChild(const std::vector<std::string>& args, Poco::Pipe
     std::vector<std::string> all{TQTest::TreeDatabase::open().isPostgreSQL() ? "postgresql" : "sqlite",
                                  TQTest::TreeDatabase::open().location()};
     all.insert(all.end(), args.begin(), args.end());
-    return Poco::Process::launch(TQ_BINARY_DIR "/tests/entity/tree/tq_tree_child", all, nullptr, out, nullptr);
+    return Poco::Process::launch(TQ_BINARY_DIR "/tests/entity/tree/tq_tree_child", all, nullptr, out,
+                                 nullptr);
 }
 
 ChildResult runChild(const std::vector<std::string>& args) {
@@ -46,7 +47,8 @@ ChildResult runChild(const std::vector<std::string>& args) {
 }
 
 DataType::BACnetPropertyValue propertyValue(BACNET_PROPERTY_ID property, const ValueContainer& value) {
-    return DataType::BACnetPropertyValue(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0), value, -1);
+    return DataType::BACnetPropertyValue(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0),
+                                         value, -1);
 }
 
 ValueContainer real(float value) {
@@ -103,7 +105,8 @@ TEST_F(Tree, GatewayOfTwoDevicesAndFiftyObjectsSurvivesAFreshProcessAnUpdateAndA
     for (auto& device : *gw.getDevices())
         for (unsigned i = 25; i-- > 0;) {  // added backwards: the map orders them
             BnDeviceObject object(true);
-            object.setObjectIdentifier(DataType::ObjectIdentifier(i % 2 ? OBJECT_ANALOG_INPUT : OBJECT_ANALOG_VALUE, i));
+            object.setObjectIdentifier(
+                DataType::ObjectIdentifier(i % 2 ? OBJECT_ANALOG_INPUT : OBJECT_ANALOG_VALUE, i));
             object.setEnabled(i != 3);
             device.second.addObject(object);
             BnDeviceObject* placed = device.second.findBnDeviceObject(object.getObjectIdentifier());
@@ -266,8 +269,10 @@ TEST_F(Tree, StoredValuesReadBackTyped) {
               6);
     EXPECT_EQ(listed.back(), -1);
     EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(read.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE, listed),
-              4) << "description and update-interval are optional";
+                                                          BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE,
+                                                          listed),
+              4)
+        << "description and update-interval are optional";
 }
 
 TEST_F(Tree, StoredValueRowsEdges) {
@@ -278,9 +283,10 @@ TEST_F(Tree, StoredValueRowsEdges) {
     object.setBnDevice(&device);
     server().update(object);
     std::vector<int> listed{1, 2};
-    EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-              0);
+    EXPECT_EQ(
+        BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
+                                                    BnDeviceObjectProperty::OPTIONAL_ALL, listed),
+        0);
     EXPECT_EQ(listed, std::vector<int>{-1});
 
     // A NULL value, a row whose catalogue row is gone, and the property list (never listed).
@@ -309,15 +315,17 @@ TEST_F(Tree, StoredValueRowsEdges) {
     value = "untouched";
     EXPECT_FALSE(BnDeviceObjectProperty::dbGetPropertyValue(999999, value));
     EXPECT_EQ(value, "untouched");
-    EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-              1);
+    EXPECT_EQ(
+        BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
+                                                    BnDeviceObjectProperty::OPTIONAL_ALL, listed),
+        1);
     EXPECT_EQ(listed, (std::vector<int>{PROP_PRESENT_VALUE, -1}));
 
     BnDeviceObject read(false);
     ASSERT_EQ(read.retrieve(device.getPK(), object.getObjectIdentifier(), server()), 1);
     ASSERT_EQ(read.getBnDeviceObjectProperties()->size(), 2u) << "the orphan is not read";
-    BnDeviceObjectPropertyValue* row = read.findBnDeviceObjectProperty(PROP_PRESENT_VALUE)->getBnDeviceObjectPropertyValue();
+    BnDeviceObjectPropertyValue* row =
+        read.findBnDeviceObjectProperty(PROP_PRESENT_VALUE)->getBnDeviceObjectPropertyValue();
     ASSERT_NE(row, nullptr);
     EXPECT_EQ(row->getValue().convert<std::string>(), "later");
     EXPECT_EQ(read.findBnDeviceObjectProperty(PROP_PROPERTY_LIST)->getBnDeviceObjectPropertyValue(), nullptr);
@@ -329,9 +337,9 @@ TEST_F(Tree, WriterProcessesAtOnceLoseNothing) {
     constexpr int kEach = 15;
     std::vector<Poco::ProcessHandle> writers;
     for (int w = 0; w < kWriters; ++w)
-        writers.push_back(launchChild({"write", std::to_string(deviceKey), std::to_string(1000 + w * kEach),
-                                       std::to_string(kEach)},
-                                      nullptr));
+        writers.push_back(launchChild(
+            {"write", std::to_string(deviceKey), std::to_string(1000 + w * kEach), std::to_string(kEach)},
+            nullptr));
     for (auto& writer : writers) EXPECT_EQ(writer.wait(), 0);
 
     const std::string device = std::to_string(deviceKey);

@@ -25,7 +25,9 @@ public:
     const_iterator endRAS() const { return _specifications.end(); }
     std::size_t sizeRAS() const { return _specifications.size(); }
     void clearRAS() { _specifications.clear(); }
-    void addRAS(const DataType::ReadAccessSpecification& specification) { _specifications.push_back(specification); }
+    void addRAS(const DataType::ReadAccessSpecification& specification) {
+        _specifications.push_back(specification);
+    }
 
     /// The whole confirmed request at `apdu`, at most `maxApdu` bytes; its length or below 0.
     /// No specification: 0, nothing written.
