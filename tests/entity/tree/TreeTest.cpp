@@ -81,6 +81,16 @@ int storeDevice() {
     return gw.getDevices()->begin()->first;
 }
 
+TEST(PostgreSQLPlaceholders, NumberedOutsideQuotesAndComments) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"a=? AND b=?", "a=$1 AND b=$2"},
+        {"v='?' AND \"c?\"=? -- ?\n AND d=?", "v='?' AND \"c?\"=$1 -- ?\n AND d=$2"},
+        {"v='it''s?' OR w=?", "v='it''s?' OR w=$1"},
+        {"no placeholders", "no placeholders"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(TQ::Utility::Data::numberPlaceholders(c.first), c.second);
+}
+
 class Tree : public ::testing::Test {
 protected:
     void SetUp() override {
