@@ -61,6 +61,19 @@ ObjectAccess::ReadPropertyMultiple rpmOf(
     return request;
 }
 
+/// Three log records of 5 March 2024 14:30:0x holding the reals 1.0, 2.0 and 3.0.
+std::string logItems() {
+    std::string items;
+    const char* reals[] = {"3F800000", "40000000", "40400000"};
+    for (int i = 1; i <= 3; ++i)
+        items += "0E A4 7C 03 05 02 B4 0E 1E 0" + std::to_string(i) + " 00 0F 1E 2C " + reals[i - 1] + " 1F ";
+    return items;
+}
+
+std::string readRangeAck(const std::string& count) {
+    return "30 04 1A 0C 05000001 19 83 3A 05 C0 49 " + count + " 5E " + logItems() + "5F";
+}
+
 /// One encoded message: its hand-checked bytes and whether a reply is expected.
 struct Message {
     const char* name;
@@ -139,6 +152,15 @@ const std::vector<Message>& messages() {
             {"UTCTimeSynchronization",
              [](OctetBuffer& b, unsigned) { return RemoteDM::TimeSync(localMoment(), true).encode(b); },
              "10 09 A4 7C 03 05 02 B4 0E 1E 0F 19", false});
+        static const std::string rrAck = readRangeAck("03");
+        m.push_back({"ReadRangeAck",
+                     [](OctetBuffer& b, unsigned at) {
+                         const Bytes bytes = hex(rrAck);
+                         ObjectAccess::ReadRangeAck ack;
+                         ack.decode(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, nullptr);
+                         return ack.encode(4, b, at);
+                     },
+                     rrAck.c_str(), false});
         return m;
     }();
     return table;
@@ -163,7 +185,7 @@ protected:
 TEST_F(Services, EncodeHandCheckedBytesBehindWhatTheBufferHeld) {
     for (const Message& m : messages()) {
         SCOPED_TRACE(m.name);
-        const unsigned offset = m.confirmed || std::string(m.name) == "ReadPropertyAck" ? 6 : 0;
+        const unsigned offset = m.confirmed || std::string(m.name).find("Ack") != std::string::npos ? 6 : 0;
         const Bytes prefix = hex("A1 A2 A3 A4 A5 A6");
         OctetBuffer buffer(prefix.data(), offset);
         const int length = m.encode(buffer, offset);
@@ -215,7 +237,8 @@ TEST_F(Services, TheAnalyserReadsEveryMessageWithoutComplaint) {
         {"who-Is (8)", "100", "200"},
         {"i-Am (0)", "device, 1234", "1476", "947"},
         {"timeSynchronization (6)", "March 5, 2024"},
-        {"utcTimeSynchronization (9)", "March 5, 2024"}};
+        {"utcTimeSynchronization (9)", "March 5, 2024"},
+        {"readRange (26)", "item Count: (Unsigned) 3", "real value: 3.000000", "log-buffer (131)"}};
     for (std::size_t i = 0; i < perFrame.size(); ++i) {
         SCOPED_TRACE(messages()[i].name);
         for (const std::string& line : expect[i])
@@ -381,19 +404,9 @@ TEST_F(Services, ReadPropertyMultipleAckAnswersItsRequest) {
 }
 
 TEST_F(Services, ReadRangeAckItemsBecomeLogRecordsAndMustMatchTheirCount) {
-    // Three records of 5 March 2024 14:30:0x, real data 1.0, 2.0, 3.0.
-    std::string items;
-    for (int i = 1; i <= 3; ++i)
-        items += "0E A4 7C 03 05 02 B4 0E 1E 0" + std::to_string(i) + " 00 0F 1E 2C " +
-                 (i == 1   ? "3F800000"
-                  : i == 2 ? "40000000"
-                           : "40400000") +
-                 " 1F ";
     const ObjectAccess::ReadRange asked(ref(OBJECT_TREND_LOG, 1, PROP_LOG_BUFFER),
                                         ObjectAccess::ReadRange::Range());
-    const auto ackWith = [&](const std::string& count) {
-        return hex("30 04 1A 0C 05000001 19 83 3A 05 C0 49 " + count + " 5E " + items + "5F");
-    };
+    const auto ackWith = [](const std::string& count) { return hex(readRangeAck(count)); };
     ObjectAccess::ReadRangeAck ack;
     const Bytes three = ackWith("03");
     ASSERT_GT(ack.decode(asked, three.data(), static_cast<unsigned>(three.size()), nullptr, nullptr), 0);
