@@ -313,6 +313,8 @@ TEST_F(Tree, StoredValueRowsEdges) {
     orphan.setVar(BnDeviceObjectProperty::_COL_ID_BN_PROPERTY_TYPE, static_cast<int>(PROP_UNITS), true);
     orphan.setVar(BnDeviceObjectProperty::_COL_ID_BN_PROPERTIES_IN_OBJECT, 999999, true);
     server().update(orphan);
+    ValueContainer untyped;
+    EXPECT_THROW(orphan.getValue(untyped), Poco::NullPointerException) << "no catalogue row";
     BnDeviceObjectProperty list(true);
     list.setBnDeviceObject(&object);
     list.setPropertyIdentifier(PROP_PROPERTY_LIST);
