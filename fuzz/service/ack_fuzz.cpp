@@ -83,10 +83,10 @@ void readPropertyMultiple(const uint8_t* data, unsigned size) {
             for (const auto& value : result->getPropertyValues()) print(value.getValue());
     static const ReadPropertyMultiple asked = [] {
         ReadPropertyMultiple request;
-        DataType::ReadAccessSpecification specification(DataType::ObjectIdentifier(OBJECT_ANALOG_INPUT, 3));
-        specification.addPropertyReference(
+        DataType::ReadAccessSpecification readAccess(DataType::ObjectIdentifier(OBJECT_ANALOG_INPUT, 3));
+        readAccess.addPropertyReference(
             DataType::BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
-        request.addRAS(specification);
+        request.addRAS(readAccess);
         return request;
     }();
     const std::size_t before = ack.sizeRAR();

@@ -52,11 +52,10 @@ ObjectAccess::ReadPropertyMultiple rpmOf(
     std::initializer_list<std::pair<DataType::ObjectIdentifier, std::vector<BACNET_PROPERTY_ID>>> objects) {
     ObjectAccess::ReadPropertyMultiple request;
     for (const auto& object : objects) {
-        DataType::ReadAccessSpecification specification(object.first);
+        DataType::ReadAccessSpecification readAccess(object.first);
         for (BACNET_PROPERTY_ID property : object.second)
-            specification.addPropertyReference(
-                DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0));
-        request.addRAS(specification);
+            readAccess.addPropertyReference(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0));
+        request.addRAS(readAccess);
     }
     return request;
 }
