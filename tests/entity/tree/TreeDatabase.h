@@ -49,7 +49,6 @@ private:
         if (_postgres) {
             const std::string server = Poco::Environment::get("TQ_PG_CONNECT");
             _name = "tq_tree_" + std::to_string(Poco::Process::id());
-            admin(server, "DROP DATABASE IF EXISTS " + _name);
             admin(server, "CREATE DATABASE " + _name);
             _location = server + " dbname=" + _name;
         } else {
