@@ -31,8 +31,8 @@ public:
     /// Fills target (object, property and array index of `reference`; its device is not part
     /// of the request), priority and value bytes. A value longer than MAX_VALUE_LENGTH returns
     /// false with the target and priority set and the value bytes left as they were.
-    bool set(const DataType::BACnetDeviceObjectPropertyReference& reference, const TQ::Utility::OctetBuffer& value,
-             unsigned char priority);
+    bool set(const DataType::BACnetDeviceObjectPropertyReference& reference,
+             const TQ::Utility::OctetBuffer& value, unsigned char priority);
     /// The same with the target given field by field. A value longer than MAX_VALUE_LENGTH returns false
     /// with the target and priority set and the value bytes left as they were.
     bool set(BACNET_OBJECT_TYPE objectType, uint32_t instance, BACNET_PROPERTY_ID property,

@@ -78,8 +78,8 @@ BnGw* BnDevice::getBnGw() {
     return _pBnGw ? _pBnGw : retrieveBnGw();
 }
 
-std::map<int, BnDeviceObject>* BnDevice::retrieveBnDeviceObjects(std::string* where,
-                                                                 const std::vector<Poco::Dynamic::Var>* binds) {
+std::map<int, BnDeviceObject>* BnDevice::retrieveBnDeviceObjects(
+    std::string* where, const std::vector<Poco::Dynamic::Var>* binds) {
     Detail::retrieveChildren(*this, _pObjects, where, binds, nullptr);
     if (_pObjects)
         for (auto& entry : *_pObjects) entry.second.attachBnDevice(this);

@@ -32,7 +32,8 @@ BnDeviceObject& BnDeviceObject::operator=(const BnDeviceObject& other) {
     copyBaseStuff(other);
     Detail::copyParent(_pBnDevice, _ownsBnDevice, other._pBnDevice, other._ownsBnDevice);
     dropProperties();
-    _pProperties = Detail::copyChildren(other._pProperties, this, &BnDeviceObjectProperty::attachBnDeviceObject);
+    _pProperties =
+        Detail::copyChildren(other._pProperties, this, &BnDeviceObjectProperty::attachBnDeviceObject);
     return *this;
 }
 
@@ -58,8 +59,8 @@ void BnDeviceObject::setPK(int pk, bool flag) {
 
 int BnDeviceObject::retrieve(int idDevice, const DataType::ObjectIdentifier& id,
                              TQ::Utility::Data::EntityServer& server) {
-    server.setWhere(Names::ID_BN_DEVICE + "=? AND " + Names::ID_BN_OBJECT_TYPE + "=? AND " + Names::INSTANCE_NR +
-                    "=?");
+    server.setWhere(Names::ID_BN_DEVICE + "=? AND " + Names::ID_BN_OBJECT_TYPE + "=? AND " +
+                    Names::INSTANCE_NR + "=?");
     server.clearBinds();
     server.addBind(idDevice);
     server.addBind(static_cast<int>(id.getValue() >> 22));
@@ -131,9 +132,10 @@ void BnDeviceObject::addBnDeviceObjectProperty(DataType::BACnetPropertyValue& va
     property.setBnDeviceObject(this);
     property.setPropertyIdentifier(value.getPropertyIdentifier());
     if (property.getVar(BnDeviceObjectProperty::_COL_ID_BN_PROPERTY_TYPE).isEmpty())
-        throw Poco::NotFoundException("BnDeviceObject::addBnDeviceObjectProperty(): the catalogue has no property " +
-                                      std::to_string(value.getPropertyIdentifier()) + " for object type " +
-                                      std::to_string(getIdBnObjectType()));
+        throw Poco::NotFoundException(
+            "BnDeviceObject::addBnDeviceObjectProperty(): the catalogue has no property " +
+            std::to_string(value.getPropertyIdentifier()) + " for object type " +
+            std::to_string(getIdBnObjectType()));
     property.setValue(value.getValue());
     addBnDeviceObjectProperty(property);
 }

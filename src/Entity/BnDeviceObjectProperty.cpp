@@ -21,7 +21,8 @@ using TQ::Utility::Data::pDB;
 
 static_assert(int{BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE} ==
                       int{BnPropertiesInObject::OPTIONAL_REQUIRED_WRITABLE} &&
-                  int{BnDeviceObjectProperty::OPTIONAL_OPTIONAL} == int{BnPropertiesInObject::OPTIONAL_OPTIONAL} &&
+                  int{BnDeviceObjectProperty::OPTIONAL_OPTIONAL} ==
+                      int{BnPropertiesInObject::OPTIONAL_OPTIONAL} &&
                   int{BnDeviceObjectProperty::OPTIONAL_ALL} == int{BnPropertiesInObject::OPTIONAL_ALL},
               "one set of property classes");
 
@@ -61,7 +62,8 @@ BnDeviceObjectProperty& BnDeviceObjectProperty::operator=(const BnDeviceObjectPr
     copyBaseStuff(other);
     releaseBnPropertiesInObject();
     if (!other._ownsBnPropertiesInObject) attachBnPropertiesInObject(other._pBnPropertiesInObject);
-    Detail::copyParent(_pBnDeviceObject, _ownsBnDeviceObject, other._pBnDeviceObject, other._ownsBnDeviceObject);
+    Detail::copyParent(_pBnDeviceObject, _ownsBnDeviceObject, other._pBnDeviceObject,
+                       other._ownsBnDeviceObject);
     delete _pValue;
     _pValue = other._pValue ? new BnDeviceObjectPropertyValue(*other._pValue) : nullptr;
     return *this;
@@ -180,8 +182,9 @@ BnPropertiesInObject* BnDeviceObjectProperty::getBnPropertiesInObject() {
 }
 
 void BnDeviceObjectProperty::setIdBnPropertiesInObject(int id) {
-    Poco::Dynamic::Var property = Entity::sqlGetVarByVar(pDB, Names::BN_PROPERTIES_IN_OBJECT, Names::ID_BN_PROPERTY_TYPE,
-                                                         Names::ID_BN_PROPERTIES_IN_OBJECT + "=?", id);
+    Poco::Dynamic::Var property =
+        Entity::sqlGetVarByVar(pDB, Names::BN_PROPERTIES_IN_OBJECT, Names::ID_BN_PROPERTY_TYPE,
+                               Names::ID_BN_PROPERTIES_IN_OBJECT + "=?", id);
     if (property.isEmpty()) return;
     linkCatalogueRow(property.convert<int>(), id);
 }
@@ -190,10 +193,10 @@ void BnDeviceObjectProperty::setPropertyIdentifier(BACNET_PROPERTY_ID property) 
     BnDeviceObject* object = getBnDeviceObject();
     if (!object) return;
     const int objectType = static_cast<int>(object->getObjectIdentifier().getValue() >> 22);
-    Poco::Dynamic::Var row = Entity::sqlGetVarByVars(
-        pDB, Names::BN_PROPERTIES_IN_OBJECT, Names::ID_BN_PROPERTIES_IN_OBJECT,
-        Names::ID_BN_OBJECT_TYPE + "=? AND " + Names::ID_BN_PROPERTY_TYPE + "=?",
-        {objectType, static_cast<int>(property)});
+    Poco::Dynamic::Var row =
+        Entity::sqlGetVarByVars(pDB, Names::BN_PROPERTIES_IN_OBJECT, Names::ID_BN_PROPERTIES_IN_OBJECT,
+                                Names::ID_BN_OBJECT_TYPE + "=? AND " + Names::ID_BN_PROPERTY_TYPE + "=?",
+                                {objectType, static_cast<int>(property)});
     if (row.isEmpty()) return;
     linkCatalogueRow(static_cast<int>(property), row.convert<int>());
 }
@@ -216,8 +219,8 @@ ValueContainer& BnDeviceObjectProperty::getValue(ValueContainer& value) {
     if (!row) throw Poco::NullPointerException("BnDeviceObjectProperty::getValue(): no catalogue row");
     Poco::Nullable<std::string> text = getValueText();
     value.setText(static_cast<BACnetDataType>(row->getIdBnDataType()),
-                  static_cast<BACNET_APPLICATION_TAG>(row->getTag()), text.isNull() ? std::string() : text.value(),
-                  true);
+                  static_cast<BACNET_APPLICATION_TAG>(row->getTag()),
+                  text.isNull() ? std::string() : text.value(), true);
     return value;
 }
 
@@ -269,7 +272,8 @@ int BnDeviceObjectProperty::updateAll(EntityServer& server,
     return rows;
 }
 
-int BnDeviceObjectProperty::dbUpdatePropertyValue(int id, const std::string& value, Poco::Data::Statement* statement) {
+int BnDeviceObjectProperty::dbUpdatePropertyValue(int id, const std::string& value,
+                                                  Poco::Data::Statement* statement) {
     using Poco::Data::Keywords::use;
     // The statement binds these by reference: each execution reads the current call's values.
     static std::string boundValue;
@@ -300,8 +304,9 @@ bool BnDeviceObjectProperty::dbGetPropertyValue(int id, std::string& value) {
     int found = -1;
     std::string text;
     Poco::Data::Statement statement(globalSession("BnDeviceObjectProperty::dbGetPropertyValue()"));
-    statement << "SELECT id_bn_device_object_property,IFNULL(value,'NULL') FROM bn_device_object_property WHERE "
-                 "id_bn_device_object_property=?",
+    statement
+        << "SELECT id_bn_device_object_property,IFNULL(value,'NULL') FROM bn_device_object_property WHERE "
+           "id_bn_device_object_property=?",
         into(found), into(text), use(key);
     statement.execute();
     if (found != id) return false;
@@ -314,8 +319,10 @@ int BnDeviceObjectProperty::retrievePropertyIDs(unsigned int idDeviceObject, Opt
     using Poco::Data::Keywords::into;
     using Poco::Data::Keywords::use;
     static const std::string sql =
-        "SELECT c.id_bn_property_type FROM  bn_device_object_property b, bn_properties_in_object c, bn_property_type d "
-        "WHERE b.id_bn_properties_in_object = c.id_bn_properties_in_object AND c.optional>? AND c.optional<? AND "
+        "SELECT c.id_bn_property_type FROM  bn_device_object_property b, bn_properties_in_object c, "
+        "bn_property_type d "
+        "WHERE b.id_bn_properties_in_object = c.id_bn_properties_in_object AND c.optional>? AND c.optional<? "
+        "AND "
         "d.id_bn_property_type = c.id_bn_property_type AND c.id_bn_property_type <> " +
         std::to_string(kPropertyList) + " AND b.id_bn_device_object=? ORDER BY d.sort";
     propertyIds.clear();

@@ -6,8 +6,8 @@
 #include "TreeSupport.h"
 
 #include <algorithm>
-#include <iterator>
 #include <iostream>
+#include <iterator>
 
 namespace TQ {
 namespace BACnet {
@@ -86,7 +86,8 @@ bool BnGw::isApduGateway() {
     return bus->getVar(TQ::Peripherals::Entity::DvBus::_COL_ID_DV_BUS_TYPE).convert<int>() == APDU_BUS_TYPE;
 }
 
-std::map<int, BnDevice>* BnGw::retrieveDevices(std::string* where, const std::vector<Poco::Dynamic::Var>* binds) {
+std::map<int, BnDevice>* BnGw::retrieveDevices(std::string* where,
+                                               const std::vector<Poco::Dynamic::Var>* binds) {
     Detail::retrieveChildren(*this, _pDevices, where, binds, nullptr);
     if (_pDevices)
         for (auto& entry : *_pDevices) entry.second.attachBnGw(this);

@@ -7,7 +7,8 @@ namespace BACnet {
 namespace Service {
 namespace Detail {
 
-int checkAckHeader(const uint8_t* apdu, unsigned length, uint8_t service, uint8_t* invokeId, DataError* error) {
+int checkAckHeader(const uint8_t* apdu, unsigned length, uint8_t service, uint8_t* invokeId,
+                   DataError* error) {
     if (!apdu || length < 1) return -1;
     if (apdu[0] == ERROR_PDU) {
         uint8_t id = 0;
@@ -33,7 +34,8 @@ int decodeValue(ValueContainer& container, const uint8_t* bytes, int length, BAC
     BACNET_ERROR_CLASS errorClass = DataError::NO_ERROR_CLASS;
     BACNET_ERROR_CODE errorCode = static_cast<BACNET_ERROR_CODE>(65535);
     DataErrorRef reference(errorClass, errorCode);
-    const int result = container.decode(bytes, length, 0, objectType, property, static_cast<int>(arrayIndex), reference);
+    const int result =
+        container.decode(bytes, length, 0, objectType, property, static_cast<int>(arrayIndex), reference);
     if (error && result < 0) {
         // An unknown object type and property pair leaves the error as it was.
         if (errorClass == DataError::NO_ERROR_CLASS)

@@ -57,7 +57,8 @@ inline int checkRequestHeader(const uint8_t* apdu, unsigned length, uint8_t serv
 
 /// The header of a complex ACK for `service`, as `checkRequestHeader`. An Error PDU answering
 /// the service is -1 with the server's class and code in `error`.
-int checkAckHeader(const uint8_t* apdu, unsigned length, uint8_t service, uint8_t* invokeId, DataError* error);
+int checkAckHeader(const uint8_t* apdu, unsigned length, uint8_t service, uint8_t* invokeId,
+                   DataError* error);
 
 /// The codec's failure to split an acknowledgement, reported to a caller who asked.
 inline int malformed(int result, DataError* error) {

@@ -41,8 +41,10 @@ void exec(const std::string& sql) {
 std::string snapshot() {
     std::vector<std::string> rows;
     Poco::Data::Statement statement(pDB->getSession());
-    statement << "SELECT " + std::string("o.id_bn_object_type || ',' || o.instance_nr || ':' || "
-                                         "COALESCE(p.id_bn_property_type, -1) || '=' || COALESCE(p.value, 'NULL')") +
+    statement << "SELECT " +
+                     std::string(
+                         "o.id_bn_object_type || ',' || o.instance_nr || ':' || "
+                         "COALESCE(p.id_bn_property_type, -1) || '=' || COALESCE(p.value, 'NULL')") +
                      " FROM bn_device_object o LEFT JOIN bn_device_object_property p ON "
                      "p.id_bn_device_object=o.id_bn_device_object ORDER BY 1",
         Poco::Data::Keywords::into(rows);
@@ -116,7 +118,8 @@ TEST_F(ObjectLifecycle, CreateUpdateAndDelete) {
     EXPECT_EQ(object.findBnDeviceObjectProperty(PROP_OBJECT_NAME)->getValueText().value(), "other");
 
     EXPECT_EQ(DeleteObject(kAi7).dbUpdate(_device, &error), 1);
-    EXPECT_EQ(count("SELECT COUNT(*) FROM bn_device_object WHERE id_bn_device=" + std::to_string(_device)), 0);
+    EXPECT_EQ(count("SELECT COUNT(*) FROM bn_device_object WHERE id_bn_device=" + std::to_string(_device)),
+              0);
     EXPECT_EQ(count("SELECT COUNT(*) FROM bn_device_object_property WHERE id_bn_device_object=" +
                     std::to_string(object.getPK())),
               0)
@@ -128,7 +131,8 @@ TEST_F(ObjectLifecycle, CreateUpdateAndDelete) {
     ASSERT_GT(device.dbUpdate(_device, 1, -1, Poco::Nullable<int>()), 0);
     EXPECT_EQ(DeleteObject(DataType::ObjectIdentifier(OBJECT_DEVICE, 99)).dbUpdate(_device, &error), -1);
     EXPECT_EQ(error.getErrorCode(), ERROR_CODE_OBJECT_DELETION_NOT_PERMITTED);
-    EXPECT_EQ(count("SELECT COUNT(*) FROM bn_device_object WHERE id_bn_device=" + std::to_string(_device)), 1);
+    EXPECT_EQ(count("SELECT COUNT(*) FROM bn_device_object WHERE id_bn_device=" + std::to_string(_device)),
+              1);
 }
 
 TEST_F(ObjectLifecycle, InitialValuesThatDoNotFitWriteNothing) {
@@ -164,7 +168,8 @@ TEST_F(ObjectLifecycle, InitialValuesThatDoNotFitWriteNothing) {
     }
     CreateObject empty(kAi7, false);
     empty.addInitialValue(PROP_DESCRIPTION);
-    EXPECT_EQ(empty.dbUpdate(_device, 1, -1, Poco::Nullable<int>()), 2) << "no value at all fits any property";
+    EXPECT_EQ(empty.dbUpdate(_device, 1, -1, Poco::Nullable<int>()), 2)
+        << "no value at all fits any property";
 }
 
 TEST_F(ObjectLifecycle, AWriteFailingHalfWayLeavesTheDatabaseAsItWas) {
@@ -184,7 +189,8 @@ TEST_F(ObjectLifecycle, AWriteFailingHalfWayLeavesTheDatabaseAsItWas) {
     // A session that may only read.
     exec(TQTest::TreeDatabase::open().isPostgreSQL() ? "SET default_transaction_read_only = on"
                                                      : "PRAGMA query_only = 1");
-    EXPECT_THROW(ai7(true, 3.0f, "read only").dbUpdate(_device, 1, -1, Poco::Nullable<int>()), Poco::Exception);
+    EXPECT_THROW(ai7(true, 3.0f, "read only").dbUpdate(_device, 1, -1, Poco::Nullable<int>()),
+                 Poco::Exception);
     EXPECT_THROW(DeleteObject(kAi7).dbUpdate(_device), Poco::Exception);
     exec(TQTest::TreeDatabase::open().isPostgreSQL() ? "SET default_transaction_read_only = off"
                                                      : "PRAGMA query_only = 0");
@@ -197,7 +203,8 @@ TEST_F(ObjectLifecycle, AWriteFailingHalfWayLeavesTheDatabaseAsItWas) {
         closed->getSession().close();
         TQ::Utility::Data::SmoDbSession* open = pDB;
         pDB = closed.get();
-        EXPECT_THROW(ai7(true, 4.0f, "closed").dbUpdate(_device, 1, -1, Poco::Nullable<int>()), Poco::Exception);
+        EXPECT_THROW(ai7(true, 4.0f, "closed").dbUpdate(_device, 1, -1, Poco::Nullable<int>()),
+                     Poco::Exception);
         pDB = open;
     }
     EXPECT_EQ(snapshot(), before);

@@ -71,7 +71,9 @@ class NumberingSessionImpl : public Poco::Data::PostgreSQL::SessionImpl {
 public:
     using SessionImpl::SessionImpl;
 
-    Poco::Data::StatementImpl::Ptr createStatementImpl() override { return new NumberingStatementImpl(*this); }
+    Poco::Data::StatementImpl::Ptr createStatementImpl() override {
+        return new NumberingStatementImpl(*this);
+    }
 };
 
 bool hasTable(Poco::Data::Session& session, const std::string& table) {
@@ -86,10 +88,12 @@ bool hasTable(Poco::Data::Session& session, const std::string& table) {
 }  // namespace
 
 std::unique_ptr<SmoDbSession> openPostgreSQLDatabase(const std::string& connection, bool* created) {
-    if (connection.empty()) throw Poco::InvalidArgumentException("openPostgreSQLDatabase(): no connection string");
+    if (connection.empty())
+        throw Poco::InvalidArgumentException("openPostgreSQLDatabase(): no connection string");
     Poco::Data::Session session(new NumberingSessionImpl(connection));
     bool fresh = !hasTable(session, "bn_datatype");
-    if (fresh) SqlScript::run(session, TQ::Catalogue::schemaPostgreSqlSql() + ";\n" + TQ::Catalogue::contentSql());
+    if (fresh)
+        SqlScript::run(session, TQ::Catalogue::schemaPostgreSqlSql() + ";\n" + TQ::Catalogue::contentSql());
     if (created) *created = fresh;
 
     auto db = std::make_unique<SmoDbSession>(session);

@@ -76,8 +76,8 @@ public:
 
     /// (Re)reads the objects of this device in object type, then instance order, narrowed by
     /// `where` (ANDed) with `binds`; null when there are none.
-    std::map<int, BnDeviceObject>* retrieveBnDeviceObjects(std::string* where = nullptr,
-                                                           const std::vector<Poco::Dynamic::Var>* binds = nullptr);
+    std::map<int, BnDeviceObject>* retrieveBnDeviceObjects(
+        std::string* where = nullptr, const std::vector<Poco::Dynamic::Var>* binds = nullptr);
     std::map<int, BnDeviceObject>* getBnDeviceObjects();
     /// The object with that identifier, or null.
     BnDeviceObject* findBnDeviceObject(const DataType::ObjectIdentifier& id);

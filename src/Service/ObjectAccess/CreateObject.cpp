@@ -18,8 +18,8 @@ using TQ::Utility::Data::pDB;
 namespace {
 
 DataType::BACnetPropertyValue initialValue(BACNET_PROPERTY_ID property, const ValueContainer& value) {
-    return DataType::BACnetPropertyValue(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0), value,
-                                         DataType::BACnetPropertyValue::NO_PRIORITY);
+    return DataType::BACnetPropertyValue(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0),
+                                         value, DataType::BACnetPropertyValue::NO_PRIORITY);
 }
 
 /// Whether a value may be stored as `property`: no value at all, or primitives of the
@@ -38,8 +38,9 @@ int fail(DataError* error, BACNET_ERROR_CLASS errorClass, BACNET_ERROR_CODE erro
 }  // namespace
 
 CreateObject::iterator CreateObject::findInitialValue(BACNET_PROPERTY_ID property) {
-    return std::find_if(_initialValues.begin(), _initialValues.end(),
-                        [property](const DataType::BACnetPropertyValue& v) { return v.getPropertyIdentifier() == property; });
+    return std::find_if(
+        _initialValues.begin(), _initialValues.end(),
+        [property](const DataType::BACnetPropertyValue& v) { return v.getPropertyIdentifier() == property; });
 }
 
 void CreateObject::addInitialValue(const DataType::BACnetPropertyValue& value) {
@@ -71,10 +72,11 @@ void CreateObject::addInitialValue(BACNET_PROPERTY_ID property) {
 int CreateObject::checkInitialValues(DataError* error) const {
     for (const DataType::BACnetPropertyValue& value : _initialValues) {
         DataPropertyInObject0 property;
-        if (!DataPropertyInObject0::getValueTypeAndStructure(_object.getObjectType(), value.getPropertyIdentifier(),
-                                                             property, false))
+        if (!DataPropertyInObject0::getValueTypeAndStructure(_object.getObjectType(),
+                                                             value.getPropertyIdentifier(), property, false))
             return fail(error, ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY);
-        if (!fits(value.getValue(), property)) return fail(error, ERROR_CLASS_PROPERTY, ERROR_CODE_INVALID_DATA_TYPE);
+        if (!fits(value.getValue(), property))
+            return fail(error, ERROR_CLASS_PROPERTY, ERROR_CODE_INVALID_DATA_TYPE);
     }
     return 0;
 }

@@ -21,9 +21,9 @@ namespace {
 void deleteProperties(int objectKey) {
     using Poco::Data::Keywords::use;
     static const std::string values =
-        "DELETE FROM " + Names::BN_DEVICE_OBJECT_PROPERTY_VALUE + " WHERE " + Names::ID_BN_DEVICE_OBJECT_PROPERTY +
-        " IN (SELECT " + Names::ID_BN_DEVICE_OBJECT_PROPERTY + " FROM " + Names::BN_DEVICE_OBJECT_PROPERTY +
-        " WHERE " + Names::ID_BN_DEVICE_OBJECT + "=?)";
+        "DELETE FROM " + Names::BN_DEVICE_OBJECT_PROPERTY_VALUE + " WHERE " +
+        Names::ID_BN_DEVICE_OBJECT_PROPERTY + " IN (SELECT " + Names::ID_BN_DEVICE_OBJECT_PROPERTY +
+        " FROM " + Names::BN_DEVICE_OBJECT_PROPERTY + " WHERE " + Names::ID_BN_DEVICE_OBJECT + "=?)";
     static const std::string properties =
         "DELETE FROM " + Names::BN_DEVICE_OBJECT_PROPERTY + " WHERE " + Names::ID_BN_DEVICE_OBJECT + "=?";
     int key = objectKey;

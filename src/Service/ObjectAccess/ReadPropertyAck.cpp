@@ -37,8 +37,8 @@ int ReadPropertyAck::decode(const uint8_t* apdu, unsigned length, uint8_t* invok
     return header < 1 ? header : decodeServiceRequest(apdu + 3, length - 3, error);
 }
 
-int ReadPropertyAck::decode(const ReadProperty& request, const uint8_t* apdu, unsigned length, uint8_t* invokeId,
-                            DataError* error) {
+int ReadPropertyAck::decode(const ReadProperty& request, const uint8_t* apdu, unsigned length,
+                            uint8_t* invokeId, DataError* error) {
     const int header = Detail::checkAckHeader(apdu, length, SERVICE_CONFIRMED_READ_PROPERTY, invokeId, error);
     if (header < 1) return header < 0 ? header : Detail::malformed(-1, error);
     ReadPropertyAck answer;

@@ -11,14 +11,15 @@ namespace Service {
 namespace ObjectAccess {
 
 int ReadPropertyMultiple::encode(uint8_t invokeId, uint8_t* apdu, int maxApdu) const {
-    if (_specifications.empty()) return 0;
+    if (_readAccesses.empty()) return 0;
     BACnet_Read_Access_Data first{};
     BACnet_Read_Access_Data* last = &first;
     int result = -1;
     try {
-        for (auto it = _specifications.begin(); it != _specifications.end(); ++it) {
-            if (it != _specifications.begin()) {
-                auto* record = static_cast<BACnet_Read_Access_Data*>(std::calloc(1, sizeof(BACnet_Read_Access_Data)));
+        for (auto it = _readAccesses.begin(); it != _readAccesses.end(); ++it) {
+            if (it != _readAccesses.begin()) {
+                auto* record =
+                    static_cast<BACnet_Read_Access_Data*>(std::calloc(1, sizeof(BACnet_Read_Access_Data)));
                 if (!record) throw std::bad_alloc();
                 last->next = record;
                 last = record;
@@ -45,7 +46,8 @@ int ReadPropertyMultiple::decodeServiceRequest(const uint8_t*, unsigned) {
 }
 
 int ReadPropertyMultiple::decode(const uint8_t* apdu, unsigned length, uint8_t& invokeId) {
-    const int header = Detail::checkRequestHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId);
+    const int header =
+        Detail::checkRequestHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId);
     return header < 1 ? header : -1;
 }
 

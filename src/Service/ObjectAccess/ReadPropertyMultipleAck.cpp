@@ -24,7 +24,8 @@ bool answers(const DataType::ReadAccessSpecification& asked, const DataType::Rea
     const auto& values = answer.getPropertyValues();
     if (values.size() != properties.size()) return false;
     for (std::size_t i = 0; i < values.size(); ++i)
-        if (!(static_cast<const DataType::BACnetPropertyReference&>(values[i]) == properties[i])) return false;
+        if (!(static_cast<const DataType::BACnetPropertyReference&>(values[i]) == properties[i]))
+            return false;
     return true;
 }
 
@@ -57,21 +58,25 @@ int ReadPropertyMultipleAck::decodeServiceRequest(const uint8_t* request, unsign
     return result < 0 ? Detail::malformed(result, error) : result;
 }
 
-int ReadPropertyMultipleAck::decode(const uint8_t* apdu, unsigned length, uint8_t* invokeId, DataError* error) {
-    const int header = Detail::checkAckHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId, error);
+int ReadPropertyMultipleAck::decode(const uint8_t* apdu, unsigned length, uint8_t* invokeId,
+                                    DataError* error) {
+    const int header =
+        Detail::checkAckHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId, error);
     return header < 1 ? header : decodeServiceRequest(apdu + 3, length - 3, error);
 }
 
 int ReadPropertyMultipleAck::decode(const ReadPropertyMultiple& request, const uint8_t* apdu, unsigned length,
                                     uint8_t* invokeId, DataError* error) {
-    const int header = Detail::checkAckHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId, error);
+    const int header =
+        Detail::checkAckHeader(apdu, length, SERVICE_CONFIRMED_READ_PROP_MULTIPLE, invokeId, error);
     if (header < 1) return header < 0 ? header : Detail::malformed(-1, error);
     ReadPropertyMultipleAck answer;
     const int result = answer.decodeServiceRequest(apdu + 3, length - 3, error);
     if (result < 0) return result;
     bool matches = answer.sizeRAR() == request.sizeRAS();
     auto asked = request.beginRAS();
-    for (auto it = answer.beginRAR(); matches && it != answer.endRAR(); ++it, ++asked) matches = answers(*asked, *it);
+    for (auto it = answer.beginRAR(); matches && it != answer.endRAR(); ++it, ++asked)
+        matches = answers(*asked, *it);
     if (!matches) {
         if (error) error->setError(ERROR_CLASS_SERVICES, ERROR_CODE_INCONSISTENT_PARAMETERS);
         return -1;

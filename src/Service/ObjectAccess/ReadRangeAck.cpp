@@ -46,8 +46,8 @@ int ReadRangeAck::decodeServiceRequest(const uint8_t* request, unsigned length, 
     _result.resultFlags = bitstring_octet(&data.result_flags, 0);
     _result.itemCount = data.item_count;
     _result.firstSequence = static_cast<int32_t>(data.first_sequence);
-    return Detail::decodeValue(_result.items, data.application_data, data.application_data_len, data.object_type,
-                               data.object_property, data.array_index, error);
+    return Detail::decodeValue(_result.items, data.application_data, data.application_data_len,
+                               data.object_type, data.object_property, data.array_index, error);
 }
 
 int ReadRangeAck::decode(const uint8_t* apdu, unsigned length, uint8_t* invokeId, DataError* error) {

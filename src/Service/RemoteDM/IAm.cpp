@@ -22,10 +22,11 @@ int IAm::decode(const TQ::Utility::OctetBuffer& buffer) {
     unsigned maxApdu = 0;
     int segmentation = 0;
     uint16_t vendor = 0;
-    const int result = iam_decode_service_request(apdu + 2, static_cast<uint32_t>(buffer.size() - 2), &instance,
-                                                  &maxApdu, &segmentation, &vendor);
+    const int result = iam_decode_service_request(apdu + 2, static_cast<uint32_t>(buffer.size() - 2),
+                                                  &instance, &maxApdu, &segmentation, &vendor);
     if (result < 0) return result;
-    _device = DataType::ObjectIdentifier(DataType::ObjectIdentifier::createObjectIdentifier(OBJECT_DEVICE, instance));
+    _device = DataType::ObjectIdentifier(
+        DataType::ObjectIdentifier::createObjectIdentifier(OBJECT_DEVICE, instance));
     _maxApdu = maxApdu;
     _segmentation = segmentation;
     _vendorId = vendor;

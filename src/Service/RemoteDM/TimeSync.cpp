@@ -23,7 +23,8 @@ int TimeSync::encode(TQ::Utility::OctetBuffer& buffer) const {
 int TimeSync::decode(const TQ::Utility::OctetBuffer& buffer) {
     const uint8_t* apdu = buffer.data();
     if (buffer.size() < 2 || apdu[0] != Detail::UNCONFIRMED_REQUEST) return -1;
-    if (apdu[1] != SERVICE_UNCONFIRMED_UTC_TIME_SYNCHRONIZATION && apdu[1] != SERVICE_UNCONFIRMED_TIME_SYNCHRONIZATION)
+    if (apdu[1] != SERVICE_UNCONFIRMED_UTC_TIME_SYNCHRONIZATION &&
+        apdu[1] != SERVICE_UNCONFIRMED_TIME_SYNCHRONIZATION)
         return -1;
     if (buffer.size() == 2) return -1;
     BACnet_DateTime moment{};

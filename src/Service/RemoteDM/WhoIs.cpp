@@ -9,7 +9,8 @@ namespace Service {
 namespace RemoteDM {
 
 int WhoIs::encode(TQ::Utility::OctetBuffer& buffer) const {
-    return Detail::encodeWhole(buffer, 1, [&](uint8_t* apdu) { return whois_encode_apdu(apdu, _low, _high); });
+    return Detail::encodeWhole(buffer, 1,
+                               [&](uint8_t* apdu) { return whois_encode_apdu(apdu, _low, _high); });
 }
 
 int WhoIs::decode(const TQ::Utility::OctetBuffer& buffer) {

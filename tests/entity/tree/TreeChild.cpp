@@ -5,8 +5,8 @@
 //       adds <count> analog inputs from <first instance> on, each with two properties, each
 //       object in a transaction of its own.
 #include "TQ/Utility/Data/EntityServer.h"
-#include "TQ_BACnet/Entity/Names.h"
 #include "TQ_BACnet/DataType/BACnetPropertyValue.h"
+#include "TQ_BACnet/Entity/Names.h"
 #include "TreeDatabase.h"
 #include "TreeDump.h"
 
@@ -27,8 +27,8 @@ int write(int deviceKey, unsigned first, unsigned count) {
         Entity::BnDeviceObject* placed = device.findBnDeviceObject(object.getObjectIdentifier());
         ValueContainer name;
         name.setCharString("AI " + std::to_string(instance));
-        DataType::BACnetPropertyValue nameValue(DataType::BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0),
-                                                name, -1);
+        DataType::BACnetPropertyValue nameValue(
+            DataType::BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0), name, -1);
         placed->addBnDeviceObjectProperty(nameValue, 0, Poco::Nullable<int>());
         ValueContainer present;
         present.setReal(static_cast<float>(instance));

@@ -38,7 +38,8 @@ public:
     /// What another process passes to `openAt` to open the same database.
     const std::string& location() const { return _location; }
 
-    static std::unique_ptr<TQ::Utility::Data::SmoDbSession> openAt(bool postgres, const std::string& location) {
+    static std::unique_ptr<TQ::Utility::Data::SmoDbSession> openAt(bool postgres,
+                                                                   const std::string& location) {
         return postgres ? TQ::Utility::Data::openPostgreSQLDatabase(location)
                         : TQ::Utility::Data::openEmbeddedDatabase(location);
     }
@@ -48,7 +49,6 @@ private:
         if (_postgres) {
             const std::string server = Poco::Environment::get("TQ_PG_CONNECT");
             _name = "tq_tree_" + std::to_string(Poco::Process::id());
-            admin(server, "DROP DATABASE IF EXISTS " + _name);
             admin(server, "CREATE DATABASE " + _name);
             _location = server + " dbname=" + _name;
         } else {
@@ -86,12 +86,12 @@ private:
 }  // namespace TQTest
 
 /// First line of every test that needs the database.
-#define TQ_TREE_DATABASE()                                                                          \
-    do {                                                                                            \
+#define TQ_TREE_DATABASE()                                                                               \
+    do {                                                                                                 \
         if (TQTest::TreeDatabase::unavailable()) GTEST_SKIP() << "no PostgreSQL server (TQ_PG_CONNECT)"; \
-        try {                                                                                       \
-            TQTest::TreeDatabase::open();                                                           \
-        } catch (const Poco::Exception& e) {                                                        \
-            FAIL() << e.displayText();                                                              \
-        }                                                                                           \
+        try {                                                                                            \
+            TQTest::TreeDatabase::open();                                                                \
+        } catch (const Poco::Exception& e) {                                                             \
+            FAIL() << e.displayText();                                                                   \
+        }                                                                                                \
     } while (0)

@@ -28,13 +28,18 @@ inline std::string dumpTree(TQ::BACnet::Entity::BnGw& gw) {
         for (auto& object : *device.second.getBnDeviceObjects()) {
             Poco::Nullable<bool> enabled = object.second.getEnabled();
             out << "  object " << object.second.getIdBnObjectType() << "," << object.second.getInstanceNr()
-                << " enabled " << (enabled.isNull() ? "NULL" : enabled.value() ? "1" : "0") << "\n";
+                << " enabled "
+                << (enabled.isNull()  ? "NULL"
+                    : enabled.value() ? "1"
+                                      : "0")
+                << "\n";
             if (!object.second.getBnDeviceObjectProperties()) continue;
             for (auto& property : *object.second.getBnDeviceObjectProperties())
                 out << "   property " << property.first << " = "
                     << varText(property.second.getVar(BnDeviceObjectProperty::_COL_VALUE)) << " poll "
-                    << (property.second.getPollRateSec().isNull() ? std::string("NULL")
-                                                                   : std::to_string(property.second.getPollRateSec().value()))
+                    << (property.second.getPollRateSec().isNull()
+                            ? std::string("NULL")
+                            : std::to_string(property.second.getPollRateSec().value()))
                     << "\n";
         }
     }

@@ -33,7 +33,8 @@ Poco::ProcessHandle launchChild(const std::vector<std::string>& args, Poco::Pipe
     std::vector<std::string> all{TQTest::TreeDatabase::open().isPostgreSQL() ? "postgresql" : "sqlite",
                                  TQTest::TreeDatabase::open().location()};
     all.insert(all.end(), args.begin(), args.end());
-    return Poco::Process::launch(TQ_BINARY_DIR "/tests/entity/tree/tq_tree_child", all, nullptr, out, nullptr);
+    return Poco::Process::launch(TQ_BINARY_DIR "/tests/entity/tree/tq_tree_child", all, nullptr, out,
+                                 nullptr);
 }
 
 ChildResult runChild(const std::vector<std::string>& args) {
@@ -46,7 +47,8 @@ ChildResult runChild(const std::vector<std::string>& args) {
 }
 
 DataType::BACnetPropertyValue propertyValue(BACNET_PROPERTY_ID property, const ValueContainer& value) {
-    return DataType::BACnetPropertyValue(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0), value, -1);
+    return DataType::BACnetPropertyValue(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0),
+                                         value, -1);
 }
 
 ValueContainer real(float value) {
@@ -79,6 +81,16 @@ int storeDevice() {
     return gw.getDevices()->begin()->first;
 }
 
+TEST(PostgreSQLPlaceholders, NumberedOutsideQuotesAndComments) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"a=? AND b=?", "a=$1 AND b=$2"},
+        {"v='?' AND \"c?\"=? -- ?\n AND d=?", "v='?' AND \"c?\"=$1 -- ?\n AND d=$2"},
+        {"v='it''s?' OR w=?", "v='it''s?' OR w=$1"},
+        {"no placeholders", "no placeholders"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(TQ::Utility::Data::numberPlaceholders(c.first), c.second);
+}
+
 class Tree : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -103,7 +115,8 @@ TEST_F(Tree, GatewayOfTwoDevicesAndFiftyObjectsSurvivesAFreshProcessAnUpdateAndA
     for (auto& device : *gw.getDevices())
         for (unsigned i = 25; i-- > 0;) {  // added backwards: the map orders them
             BnDeviceObject object(true);
-            object.setObjectIdentifier(DataType::ObjectIdentifier(i % 2 ? OBJECT_ANALOG_INPUT : OBJECT_ANALOG_VALUE, i));
+            object.setObjectIdentifier(
+                DataType::ObjectIdentifier(i % 2 ? OBJECT_ANALOG_INPUT : OBJECT_ANALOG_VALUE, i));
             object.setEnabled(i != 3);
             device.second.addObject(object);
             BnDeviceObject* placed = device.second.findBnDeviceObject(object.getObjectIdentifier());
@@ -266,8 +279,10 @@ TEST_F(Tree, StoredValuesReadBackTyped) {
               6);
     EXPECT_EQ(listed.back(), -1);
     EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(read.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE, listed),
-              4) << "description and update-interval are optional";
+                                                          BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE,
+                                                          listed),
+              4)
+        << "description and update-interval are optional";
 }
 
 TEST_F(Tree, StoredValueRowsEdges) {
@@ -278,9 +293,10 @@ TEST_F(Tree, StoredValueRowsEdges) {
     object.setBnDevice(&device);
     server().update(object);
     std::vector<int> listed{1, 2};
-    EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-              0);
+    EXPECT_EQ(
+        BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
+                                                    BnDeviceObjectProperty::OPTIONAL_ALL, listed),
+        0);
     EXPECT_EQ(listed, std::vector<int>{-1});
 
     // A NULL value, a row whose catalogue row is gone, and the property list (never listed).
@@ -297,6 +313,8 @@ TEST_F(Tree, StoredValueRowsEdges) {
     orphan.setVar(BnDeviceObjectProperty::_COL_ID_BN_PROPERTY_TYPE, static_cast<int>(PROP_UNITS), true);
     orphan.setVar(BnDeviceObjectProperty::_COL_ID_BN_PROPERTIES_IN_OBJECT, 999999, true);
     server().update(orphan);
+    ValueContainer untyped;
+    EXPECT_THROW(orphan.getValue(untyped), Poco::NullPointerException) << "no catalogue row";
     BnDeviceObjectProperty list(true);
     list.setBnDeviceObject(&object);
     list.setPropertyIdentifier(PROP_PROPERTY_LIST);
@@ -309,15 +327,17 @@ TEST_F(Tree, StoredValueRowsEdges) {
     value = "untouched";
     EXPECT_FALSE(BnDeviceObjectProperty::dbGetPropertyValue(999999, value));
     EXPECT_EQ(value, "untouched");
-    EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-              1);
+    EXPECT_EQ(
+        BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
+                                                    BnDeviceObjectProperty::OPTIONAL_ALL, listed),
+        1);
     EXPECT_EQ(listed, (std::vector<int>{PROP_PRESENT_VALUE, -1}));
 
     BnDeviceObject read(false);
     ASSERT_EQ(read.retrieve(device.getPK(), object.getObjectIdentifier(), server()), 1);
     ASSERT_EQ(read.getBnDeviceObjectProperties()->size(), 2u) << "the orphan is not read";
-    BnDeviceObjectPropertyValue* row = read.findBnDeviceObjectProperty(PROP_PRESENT_VALUE)->getBnDeviceObjectPropertyValue();
+    BnDeviceObjectPropertyValue* row =
+        read.findBnDeviceObjectProperty(PROP_PRESENT_VALUE)->getBnDeviceObjectPropertyValue();
     ASSERT_NE(row, nullptr);
     EXPECT_EQ(row->getValue().convert<std::string>(), "later");
     EXPECT_EQ(read.findBnDeviceObjectProperty(PROP_PROPERTY_LIST)->getBnDeviceObjectPropertyValue(), nullptr);
@@ -329,9 +349,9 @@ TEST_F(Tree, WriterProcessesAtOnceLoseNothing) {
     constexpr int kEach = 15;
     std::vector<Poco::ProcessHandle> writers;
     for (int w = 0; w < kWriters; ++w)
-        writers.push_back(launchChild({"write", std::to_string(deviceKey), std::to_string(1000 + w * kEach),
-                                       std::to_string(kEach)},
-                                      nullptr));
+        writers.push_back(launchChild(
+            {"write", std::to_string(deviceKey), std::to_string(1000 + w * kEach), std::to_string(kEach)},
+            nullptr));
     for (auto& writer : writers) EXPECT_EQ(writer.wait(), 0);
 
     const std::string device = std::to_string(deviceKey);

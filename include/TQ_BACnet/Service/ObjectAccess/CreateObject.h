@@ -50,8 +50,8 @@ public:
     /// catalogue has no such property for the object type (property / unknown-property) or
     /// when a value is not of the property's type (property / invalid-data-type). A failure
     /// of the database rolls the whole write back and passes on.
-    int dbUpdate(int deviceKey, int enabled, int presentValueArg, const Poco::Nullable<int>& presentValueOption,
-                 DataError* error = nullptr);
+    int dbUpdate(int deviceKey, int enabled, int presentValueArg,
+                 const Poco::Nullable<int>& presentValueOption, DataError* error = nullptr);
 
 private:
     /// -1 with `error` set when an initial value cannot be stored under the object.

@@ -19,7 +19,8 @@ public:
     ReadProperty() = default;
     explicit ReadProperty(const DataType::BACnetObjectPropertyReference& reference) : _reference(reference) {}
     /// The device part of the reference is dropped.
-    explicit ReadProperty(const DataType::BACnetDeviceObjectPropertyReference& reference) : _reference(reference) {}
+    explicit ReadProperty(const DataType::BACnetDeviceObjectPropertyReference& reference)
+        : _reference(reference) {}
 
     const DataType::BACnetObjectPropertyReference& getReference() const { return _reference; }
     void setReference(const DataType::BACnetObjectPropertyReference& reference) { _reference = reference; }

@@ -21,14 +21,14 @@ public:
 
     ReadPropertyMultiple() = default;
 
-    const_iterator beginRAS() const { return _specifications.begin(); }
-    const_iterator endRAS() const { return _specifications.end(); }
-    std::size_t sizeRAS() const { return _specifications.size(); }
-    void clearRAS() { _specifications.clear(); }
-    void addRAS(const DataType::ReadAccessSpecification& specification) { _specifications.push_back(specification); }
+    const_iterator beginRAS() const { return _readAccesses.begin(); }
+    const_iterator endRAS() const { return _readAccesses.end(); }
+    std::size_t sizeRAS() const { return _readAccesses.size(); }
+    void clearRAS() { _readAccesses.clear(); }
+    void addRAS(const DataType::ReadAccessSpecification& readAccess) { _readAccesses.push_back(readAccess); }
 
     /// The whole confirmed request at `apdu`, at most `maxApdu` bytes; its length or below 0.
-    /// No specification: 0, nothing written.
+    /// An empty request: 0, nothing written.
     int encode(uint8_t invokeId, uint8_t* apdu, int maxApdu) const;
     /// The same into `buffer` at `offset` (one APDU at most), sized as `ReadProperty::encode`.
     int encode(uint8_t invokeId, TQ::Utility::OctetBuffer& buffer, unsigned offset) const;
@@ -39,7 +39,7 @@ public:
     int decode(const uint8_t* apdu, unsigned length, uint8_t& invokeId);
 
 private:
-    std::vector<DataType::ReadAccessSpecification> _specifications;
+    std::vector<DataType::ReadAccessSpecification> _readAccesses;
 };
 
 }  // namespace ObjectAccess

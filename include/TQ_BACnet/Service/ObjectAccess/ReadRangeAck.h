@@ -56,7 +56,8 @@ public:
     /// `decode`, accepted only when it answers `request` (same object, property and array
     /// index) and its item count equals the items it holds; otherwise -1 with error services
     /// / inconsistent-parameters, and this acknowledgement keeps what it held.
-    int decode(const ReadRange& request, const uint8_t* apdu, unsigned length, uint8_t* invokeId, DataError* error);
+    int decode(const ReadRange& request, const uint8_t* apdu, unsigned length, uint8_t* invokeId,
+               DataError* error);
 
 private:
     DataType::BACnetObjectPropertyReference _reference;
