@@ -189,7 +189,8 @@ private:
         const Outcome o = _gateway.readProperty(params.deviceInstance, reference(params), value, true);
         if (!o.ok()) return fail(failureOf(o));
         Answer answer(options);
-        Render::value(answer.factory(), value, Render::propertyName(params.propertyId), true);
+        Render::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, params.arrayIndex, value,
+                      Render::propertyName(params.propertyId), true);
         answer.send(_response);
     }
 
@@ -304,7 +305,8 @@ private:
             answer.factory().markup(MarkupFactory::BT_LIST, Render::propertyName(params.propertyId), "", true, false,
                                     BACNET_DT_NULL, true);
         } else {
-            Render::value(answer.factory(), all, Render::propertyName(params.propertyId), true);
+            Render::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, BACNET_ARRAY_ALL, all,
+                          Render::propertyName(params.propertyId), true);
         }
         answer.send(_response);
     }
