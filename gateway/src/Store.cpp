@@ -120,6 +120,16 @@ bool Store::storeDevice(uint32_t instance, const std::vector<FoundObject>& objec
         }
         _db->commit();
         loadIndex();
+        // What discovery read is as fresh as any polled value.
+        const auto now = Clock::now();
+        for (const FoundObject& found : objects)
+            for (const auto& value : found.values) {
+                const auto row = _rows.find(Key(instance, found.id.getValue(), uint32_t(value.first)));
+                if (row == _rows.end()) continue;
+                Written& w = _written[row->second];
+                w.at = now;
+                value.second.getText(w.text, false);
+            }
         return true;
     } catch (const std::exception& e) {
         _db->rollback();
@@ -137,14 +147,10 @@ int Store::propertyRow(uint32_t device, DataType::ObjectIdentifier object, BACNE
 bool Store::freshValue(int row, unsigned maxAgeMs, std::string& text) {
     std::lock_guard<std::mutex> lock(_mutex);
     const auto written = _written.find(row);
-    if (written == _written.end() || Clock::now() - written->second > std::chrono::milliseconds(maxAgeMs))
+    if (written == _written.end() || Clock::now() - written->second.at > std::chrono::milliseconds(maxAgeMs))
         return false;
-    try {
-        return Entity::BnDeviceObjectProperty::dbGetPropertyValue(row, text);
-    } catch (const std::exception& e) {
-        fail("reading a stored value", e);
-        return false;
-    }
+    text = written->second.text;
+    return true;
 }
 
 bool Store::update(int row, const ValueContainer& value) {
@@ -153,7 +159,9 @@ bool Store::update(int row, const ValueContainer& value) {
     std::lock_guard<std::mutex> lock(_mutex);
     try {
         Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, updateStatement().get());
-        _written[row] = Clock::now();
+        Written& w = _written[row];
+        w.at = Clock::now();
+        w.text = std::move(text);
         return true;
     } catch (const std::exception& e) {
         _written.erase(row);
