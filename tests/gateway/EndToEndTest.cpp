@@ -10,6 +10,7 @@
 #include <Poco/Net/HTTPClientSession.h>
 #include <Poco/Net/HTTPRequest.h>
 #include <Poco/Net/HTTPResponse.h>
+#include <Poco/Net/StreamSocket.h>
 #include <Poco/Path.h>
 #include <Poco/Pipe.h>
 #include <Poco/PipeStream.h>
@@ -53,7 +54,7 @@ protected:
                                                          spec.substr(4), "--port", port}));
         }
         Poco::FileOutputStream(config()) << R"({"listen":{"port":)" << httpPort()
-                                         << R"(,"maxBody":1024,"maxPath":300,"maxHeaders":12},
+                                         << R"(,"maxBody":1024,"maxPath":300,"maxHeaders":12,"clientTimeoutMs":500},
             "bacnet":{"interface":"127.0.0.1","port":)"
                                          << port << R"(,"apduTimeoutMs":300,"retries":1,"discoverMs":600},
             "database":{"sqlite":")" << Poco::Path(dir, "gw.db").toString()
@@ -257,6 +258,18 @@ TEST_F(Gateway, ADeviceThatDiesCostsOnlyItsOwnRequests) {
     const Reply r = slow.get();
     EXPECT_EQ(r.status, 504);
     EXPECT_TRUE(contains(r.body, "WS_ERR_DEVICE_NOT_REACHABLE")) << r.body;
+}
+
+TEST_F(Gateway, ASlowClientLosesItsConnection) {
+    Poco::Net::StreamSocket socket(Poco::Net::SocketAddress("127.0.0.1", httpPort()));
+    const std::string partial = "GET /bacnetws/.bacnet HTTP/1.1\r\nHost: 127.0.0.1\r\n";
+    socket.sendBytes(partial.data(), int(partial.size()));
+    // Far longer than the configured 500 ms: a server that waits forever makes this throw.
+    socket.setReceiveTimeout(Poco::Timespan(10, 0));
+    char buffer[512];
+    int n = 0;
+    EXPECT_NO_THROW(while ((n = socket.receiveBytes(buffer, sizeof buffer)) > 0) {});
+    EXPECT_EQ(request("GET", kAv1 + "/present-value?alt=plain").body, "21.5") << "and the gateway still serves";
 }
 
 TEST_F(Gateway, ThePageIsServedWithoutAToken) {
