@@ -10,7 +10,7 @@ packages=(
   clang libclang-rt-14-dev clang-format clang-tidy valgrind
   tshark
   postgresql libpq-dev
-  curl wrk
+  curl wrk chromium chromium-driver
 )
 
 missing=()
