@@ -4,6 +4,7 @@
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataType/ReadAccessResult.h"
 #include "TQ_BACnet/DataType/ReadAccessSpecification.h"
+#include "TQ_BACnet/Entity/BnWsError.h"
 #include "TQ_BACnet/WS/UriParser.h"
 #include "TQ_BACnet/WS/DataWsError.h"
 
@@ -30,6 +31,7 @@ namespace {
 // on any device that takes 480 octets.
 constexpr std::size_t kObjectsPerRequest = 8;
 constexpr unsigned kMaxBackOffMs = 60000;
+constexpr WS::DataWsError::WS_ERROR_CODE kLastWsError = 52;
 
 Outcome failed(const std::string& why) { return Outcome::failed(why); }
 
@@ -37,6 +39,14 @@ Outcome failed(const std::string& why) { return Outcome::failed(why); }
 
 Gateway::Gateway(const Config& config) : _config(config), _store(config), _port(config) {
     WS::UriParser::setLocalDevInstance(config.localDevice);
+    // The error rows are read now, while no other thread uses the session.
+    for (WS::DataWsError::WS_ERROR_CODE code = 0; code <= kLastWsError; ++code) {
+        try {
+            Entity::BnWsError::find(code);
+        } catch (const Poco::Exception&) {
+            // a catalogue without this code answers it as "other"
+        }
+    }
 }
 
 Gateway::~Gateway() {
