@@ -81,7 +81,7 @@ void Store::loadIndex() {
     for (std::size_t i = 0; i < devices.size(); ++i) {
         const auto device = instanceOf.find(devices[i]);
         if (device == instanceOf.end()) continue;
-        const DataType::ObjectIdentifier id(BACNET_OBJECT_TYPE(types[i]), unsigned(instances[i]));
+        const DataType::ObjectIdentifier id{BACNET_OBJECT_TYPE(types[i]), unsigned(instances[i])};
         auto& objects = _objects[device->second];
         if (objects.empty() || objects.back() != id) objects.push_back(id);
         if (rows[i] >= 0) _rows[Key(device->second, id.getValue(), uint32_t(properties[i]))] = rows[i];

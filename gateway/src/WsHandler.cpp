@@ -322,7 +322,7 @@ private:
         if (params.arrayIndex == 0) return fail({kNotWritable, "the size of an array is not written"});
         if (params.arrayIndex != DotBACnetPathParams::NO_ARRAY_INDEX) descriptor.structure = BACNET_DTS_SINGLE_VALUE;
         // The encoder writes into the buffer's room; the size is then cut to what it wrote.
-        TQ::Utility::OctetBuffer bytes(std::size_t(ValueContainer::MAX_ENCODED));
+        TQ::Utility::OctetBuffer bytes{std::size_t(ValueContainer::MAX_ENCODED)};
         DataWsError error;
         const int length = WS::EncoderJSON().encode(descriptor, body, bytes, 0, error);
         if (length <= 0) {
