@@ -24,11 +24,17 @@ using TQ::Utility::Data::pDB;
 
 namespace {
 
-// The prepared update statement of the stored values: made once, on the first session, and
-// then only re-executed (the library keeps its bound values for the process).
-std::unique_ptr<Poco::Data::Statement>& updateStatement() {
-    static std::unique_ptr<Poco::Data::Statement> statement;
-    return statement;
+// The prepared update statement of the stored values: the library prepares the first statement
+// object it is given and keeps its bound values for the process, so one statement serves the
+// first store made; a later store of the same process (tests) updates without it.
+struct Prepared {
+    std::unique_ptr<Poco::Data::Statement> statement;
+    const void* owner = nullptr;
+};
+Prepared& prepared() {
+    // Never destroyed: at exit its session may be gone already.
+    static Prepared* p = new Prepared;
+    return *p;
 }
 
 }  // namespace
@@ -37,7 +43,10 @@ Store::Store(const Config& config) {
     _db = config.postgresql.empty() ? Utility::Data::openEmbeddedDatabase(config.sqliteFile)
                                     : Utility::Data::openPostgreSQLDatabase(config.postgresql);
     pDB = _db.get();
-    if (!updateStatement()) updateStatement() = std::make_unique<Poco::Data::Statement>(_db->getSession());
+    if (!prepared().statement) {
+        prepared().statement = std::make_unique<Poco::Data::Statement>(_db->getSession());
+        prepared().owner = this;
+    }
     try {
         loadIndex();
     } catch (const std::exception& e) {
@@ -47,6 +56,8 @@ Store::Store(const Config& config) {
 
 Store::~Store() {
     std::lock_guard<std::mutex> lock(_mutex);
+    // The statement stays (the library holds on to it); no later store may take it for its own.
+    if (prepared().owner == this) prepared().owner = &prepared();
     if (pDB == _db.get()) pDB = nullptr;
 }
 
@@ -158,7 +169,8 @@ bool Store::update(int row, const ValueContainer& value) {
     value.getText(text, false);
     std::lock_guard<std::mutex> lock(_mutex);
     try {
-        Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, updateStatement().get());
+        Poco::Data::Statement* statement = prepared().owner == this ? prepared().statement.get() : nullptr;
+        Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, statement);
         Written& w = _written[row];
         w.at = Clock::now();
         w.text = std::move(text);

@@ -3,6 +3,7 @@
 #include "../net/NetTestSupport.h"
 
 #include "TQ_BACnet/Gateway/Gateway.h"
+#include "TQ_BACnet/Net/DeviceOperations.h"
 #include "TQ_BACnet/Gateway/Server.h"
 
 #include <Poco/Net/HTTPClientSession.h>
@@ -42,4 +43,44 @@ TEST(GatewayInProcess, FindsDevicesThroughTheBbmdAndServesThem) {
     EXPECT_EQ(response.getStatus(), 200);
     EXPECT_EQ(body, R"({"$value":"device 22"})");
     server.stop();
+}
+
+// A value changed on the device behind the gateway's back reaches the stored tree by polling,
+// and a read then answers from the store.
+TEST(GatewayInProcess, PollingKeepsTheStoredValueFresh) {
+    const uint16_t port = uint16_t(basePort() + 5);
+    DeviceThread device("127.0.0.2", port, 31);
+    Poco::TemporaryFile db;
+    GW::Config config = GW::Config::parse(R"({"bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
+                                              R"(,"discoverMs":300},"database":{"maxAgeMs":60000},
+            "polling":[{"device":31,"object":"analog-value,1","property":"present-value","intervalMs":100}],
+            "tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})",
+                                          "in-process");
+    config.sqliteFile = db.path();
+    GW::Gateway gateway(config);
+    ASSERT_EQ(gateway.discover(), std::vector<uint32_t>{31});
+    gateway.startPolling();
+
+    // Another client on a port of its own writes to the device directly.
+    BipSocket socket(portAt("127.0.0.9", port));
+    Link link(socket, "other client");
+    Client other(link);
+    DeviceOperations ops(other);
+    const TQ::BACnet::DataType::BACnetObjectPropertyReference pv(
+        TQ::BACnet::DataType::ObjectIdentifier(OBJECT_ANALOG_VALUE, 1), PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
+    TQ::BACnet::ValueContainer v;
+    v.setReal(77.25f);
+    ASSERT_TRUE(ops.writeProperty(Target::at(bip("127.0.0.2", port)), pv, v, 0).ok());
+
+    const int row = gateway.store().propertyRow(31, pv.getObjectIdentifier(), PROP_PRESENT_VALUE);
+    ASSERT_GE(row, 0);
+    std::string text;
+    for (int i = 0; i < 100 && !(gateway.store().freshValue(row, 60000, text) && text == "77.25"); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(text, "77.25");
+    TQ::BACnet::ValueContainer read;
+    bool fromStore = false;
+    ASSERT_TRUE(gateway.readProperty(31, pv, read, true, &fromStore).ok());
+    EXPECT_TRUE(fromStore);
+    EXPECT_FLOAT_EQ(read.getReal(false), 77.25f);
 }

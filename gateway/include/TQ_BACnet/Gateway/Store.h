@@ -33,7 +33,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Opens the database (creating the catalogue on first use) and makes it the process-wide
-    /// session. One store per process: the prepared update statement lives as long as the process.
+    /// session. The first store of the process updates values through the prepared statement.
     explicit Store(const Config& config);
     ~Store();
 
