@@ -98,8 +98,7 @@ Outcome Gateway::readProperty(uint32_t device, const BACnetObjectPropertyReferen
                                                               what.getPropertyIdentifier());
     if (allowStored && row >= 0) {
         std::string text;
-        const DataPropertyInObject0& d = value.getDescriptor();
-        DataPropertyInObject0 descriptor(d);
+        DataPropertyInObject0 descriptor;
         if (_store.freshValue(row, _config.maxAgeMs, text) &&
             DataPropertyInObject0::getValueTypeAndStructure(what.getObjectIdentifier().getObjectType(),
                                                             what.getPropertyIdentifier(), descriptor, false) &&
