@@ -172,10 +172,10 @@ bool Gateway::readObjects(uint32_t device, std::vector<Store::FoundObject>& obje
         ReadPropertyMultiple rpm;
         const std::size_t end = std::min(ids.size(), first + kObjectsPerRequest);
         for (std::size_t i = first; i < end; ++i) {
-            DataType::ReadAccessSpecification spec(ids[i]);
-            spec.addPropertyReference(BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0));
-            spec.addPropertyReference(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
-            rpm.addRAS(spec);
+            DataType::ReadAccessSpecification wanted(ids[i]);
+            wanted.addPropertyReference(BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0));
+            wanted.addPropertyReference(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
+            rpm.addRAS(wanted);
         }
         ReadPropertyMultipleAck ack;
         const bool answered = readPropertyMultiple(device, rpm, ack).ok();

@@ -201,9 +201,9 @@ private:
         for (std::size_t first = 0; first < ids.size(); first += kObjectsPerRead) {
             ReadPropertyMultiple rpm;
             for (std::size_t i = first; i < std::min(ids.size(), first + kObjectsPerRead); ++i) {
-                DataType::ReadAccessSpecification spec(ids[i]);
-                spec.addPropertyReference(BACnetPropertyReference(PROP_ALL, BACNET_ARRAY_ALL, 0));
-                rpm.addRAS(spec);
+                DataType::ReadAccessSpecification wanted(ids[i]);
+                wanted.addPropertyReference(BACnetPropertyReference(PROP_ALL, BACNET_ARRAY_ALL, 0));
+                rpm.addRAS(wanted);
             }
             const Outcome o = _gateway.readPropertyMultiple(device, rpm, all);
             if (!o.ok()) {

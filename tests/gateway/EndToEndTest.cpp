@@ -49,9 +49,9 @@ protected:
         Poco::File(dir).createDirectories();
         const std::string port = std::to_string(udpPort());
         for (const char* d : {"101:127.0.0.2", "102:127.0.0.3", "103:127.0.0.4"}) {
-            const std::string spec(d);
-            devices.push_back(launch(TQ_SIM_DEVICE_EXE, {"--instance", spec.substr(0, 3), "--interface",
-                                                         spec.substr(4), "--port", port}));
+            const std::string entry(d);
+            devices.push_back(launch(TQ_SIM_DEVICE_EXE, {"--instance", entry.substr(0, 3), "--interface",
+                                                         entry.substr(4), "--port", port}));
         }
         Poco::FileOutputStream(config()) << R"({"listen":{"port":)" << httpPort()
                                          << R"(,"maxBody":1024,"maxPath":300,"maxHeaders":12,"clientTimeoutMs":500},
@@ -119,7 +119,7 @@ std::string Gateway::dir;
 std::vector<Poco::ProcessHandle> Gateway::devices;
 std::unique_ptr<Poco::ProcessHandle> Gateway::gateway;
 
-bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool contains(const std::string& text, const std::string& piece) { return text.find(piece) != std::string::npos; }
 
 TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
     const struct {
@@ -127,7 +127,7 @@ TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
         std::string token;
         int status;
         const char* contentType;
-        const char* body;  ///< a part of the body
+        const char* body;  ///< found in the body
     } cases[] = {
         {kAv1 + "/present-value?alt=json", kReader, 200, "application/json", R"({"$value":21.5})"},
         {kAv1 + "/present-value", kReader, 200, "application/xml; charset=utf-8",
