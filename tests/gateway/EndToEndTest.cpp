@@ -140,6 +140,7 @@ TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
         {"/bacnetws/.bacnet/.local/102?alt=json&depth=1", kReader, 200, "", R"("trend-log,1":{})"},
         {"/bacnetws/.bacnet/.local/102?alt=json&depth=2", kReader, 200, "", R"("units":"degrees-celsius")"},
         {"/bacnetws/.bacnet?alt=json&depth=2", kReader, 200, "", R"({"101":{},"102":{},"103":{}})"},
+        {"/bacnetws/.bacnet/.local?alt=json&depth=1&discover=true", kReader, 200, "", R"({"101":{},"102":{},"103":{}})"},
         // what the path parser refuses
         {"/bacnetws/.bacnet/.local/102/analog-valu,1/present-value", kReader, 404, "", "WS_ERR_PATH_NOT_FOUND"},
         {"/bacnetws/.bacnet/.local/102/analog-value,1/present-value/3", kReader, 404, "", "is not an array"},
