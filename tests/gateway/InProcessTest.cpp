@@ -84,3 +84,41 @@ TEST(GatewayInProcess, PollingKeepsTheStoredValueFresh) {
     EXPECT_TRUE(fromStore);
     EXPECT_FLOAT_EQ(read.getReal(false), 77.25f);
 }
+
+// A device on the polling list that goes away is set aside with back-off; the other device's
+// values keep arriving.
+TEST(GatewayInProcess, ADeviceThatStopsAnsweringRestsWhileOthersArePolled) {
+    const uint16_t port = uint16_t(basePort() + 7);
+    auto gone = std::make_unique<DeviceThread>("127.0.0.2", port, 41);
+    DeviceThread alive("127.0.0.3", port, 42);
+    Poco::TemporaryFile db;
+    GW::Config config = GW::Config::parse(R"({"bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
+                                              R"(,"discoverMs":300,"apduTimeoutMs":100,"retries":0},
+            "database":{"maxAgeMs":60000},"polling":[
+              {"device":41,"object":"analog-value,1","property":"present-value","intervalMs":100},
+              {"device":42,"object":"analog-value,1","property":"present-value","intervalMs":100}],
+            "tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})",
+                                          "in-process");
+    config.sqliteFile = db.path();
+    GW::Gateway gateway(config);
+    ASSERT_EQ(gateway.discover(), (std::vector<uint32_t>{41, 42}));
+    gone.reset();
+    gateway.startPolling();
+    for (int i = 0; i < 100 && !gateway.isResting(41); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_TRUE(gateway.isResting(41));
+    EXPECT_FALSE(gateway.isResting(42));
+
+    BipSocket socket(portAt("127.0.0.9", port));
+    Link link(socket, "other client");
+    Client other(link);
+    const TQ::BACnet::DataType::BACnetObjectPropertyReference pv(
+        TQ::BACnet::DataType::ObjectIdentifier(OBJECT_ANALOG_VALUE, 1), PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
+    TQ::BACnet::ValueContainer v;
+    v.setReal(5.5f);
+    ASSERT_TRUE(DeviceOperations(other).writeProperty(Target::at(bip("127.0.0.3", port)), pv, v, 0).ok());
+    const int row = gateway.store().propertyRow(42, pv.getObjectIdentifier(), PROP_PRESENT_VALUE);
+    std::string text;
+    for (int i = 0; i < 100 && !(gateway.store().freshValue(row, 60000, text) && text == "5.5"); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(text, "5.5");
+}
