@@ -10,6 +10,7 @@ packages=(
   clang libclang-rt-14-dev clang-format clang-tidy valgrind
   tshark
   postgresql libpq-dev
+  curl wrk chromium chromium-driver
 )
 
 missing=()

@@ -155,6 +155,12 @@ void BacnetPort::run() {
             }
         }
         if (!discovering) continue;
+        // A foreign device's Who-Is goes through the BBMD: wait for the registration first.
+        const auto until = Net::Clock::now() + std::chrono::milliseconds(discovery.first);
+        while (_link->registration() == Net::Link::Registration::Pending && Net::Clock::now() < until) {
+            _client->poll(kBusyPollMs);
+            finishJobs();
+        }
         // Answers to requests in flight are handled while the I-Ams are collected.
         std::vector<Net::IAm> found = _client->whoIs(discovery.first);
         {

@@ -4,6 +4,7 @@
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataType/ReadAccessResult.h"
 #include "TQ_BACnet/DataType/ReadAccessSpecification.h"
+#include "TQ_BACnet/Entity/BnWsError.h"
 #include "TQ_BACnet/WS/UriParser.h"
 #include "TQ_BACnet/WS/DataWsError.h"
 
@@ -30,6 +31,7 @@ namespace {
 // on any device that takes 480 octets.
 constexpr std::size_t kObjectsPerRequest = 8;
 constexpr unsigned kMaxBackOffMs = 60000;
+constexpr WS::DataWsError::WS_ERROR_CODE kLastWsError = 52;
 
 Outcome failed(const std::string& why) { return Outcome::failed(why); }
 
@@ -37,6 +39,14 @@ Outcome failed(const std::string& why) { return Outcome::failed(why); }
 
 Gateway::Gateway(const Config& config) : _config(config), _store(config), _port(config) {
     WS::UriParser::setLocalDevInstance(config.localDevice);
+    // The error rows are read now, while no other thread uses the session.
+    for (WS::DataWsError::WS_ERROR_CODE code = 0; code <= kLastWsError; ++code) {
+        try {
+            Entity::BnWsError::find(code);
+        } catch (const Poco::Exception&) {
+            // a catalogue without this code answers it as "other"
+        }
+    }
 }
 
 Gateway::~Gateway() {
@@ -88,8 +98,7 @@ Outcome Gateway::readProperty(uint32_t device, const BACnetObjectPropertyReferen
                                                               what.getPropertyIdentifier());
     if (allowStored && row >= 0) {
         std::string text;
-        const DataPropertyInObject0& d = value.getDescriptor();
-        DataPropertyInObject0 descriptor(d);
+        DataPropertyInObject0 descriptor;
         if (_store.freshValue(row, _config.maxAgeMs, text) &&
             DataPropertyInObject0::getValueTypeAndStructure(what.getObjectIdentifier().getObjectType(),
                                                             what.getPropertyIdentifier(), descriptor, false) &&
@@ -163,10 +172,10 @@ bool Gateway::readObjects(uint32_t device, std::vector<Store::FoundObject>& obje
         ReadPropertyMultiple rpm;
         const std::size_t end = std::min(ids.size(), first + kObjectsPerRequest);
         for (std::size_t i = first; i < end; ++i) {
-            DataType::ReadAccessSpecification spec(ids[i]);
-            spec.addPropertyReference(BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0));
-            spec.addPropertyReference(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
-            rpm.addRAS(spec);
+            DataType::ReadAccessSpecification wanted(ids[i]);
+            wanted.addPropertyReference(BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0));
+            wanted.addPropertyReference(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
+            rpm.addRAS(wanted);
         }
         ReadPropertyMultipleAck ack;
         const bool answered = readPropertyMultiple(device, rpm, ack).ok();

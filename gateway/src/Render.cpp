@@ -2,6 +2,7 @@
 
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/DataType/ANY.h"
 #include "TQ_BACnet/DataType/BACnetPropertyReference.h"
 #include "TQ_BACnet/DataType/Error.h"
@@ -25,19 +26,10 @@ std::string propertyName(BACNET_PROPERTY_ID property) {
     return path.empty() ? path : path.substr(1);
 }
 
-void value(MarkupFactory& factory, const ValueContainer& value, const std::string& name, bool root) {
+namespace {
+
+void primitives(MarkupFactory& factory, const ValueContainer& value, const std::string& name, bool root) {
     const BACnetDataType type = value.getDataType();
-    if (type == BACNET_DT_NULL) {
-        factory.markup(MarkupFactory::BT_NULL, name, "", true, false, BACNET_DT_NULL, root);
-        return;
-    }
-    if (!value.isPrimitive()) {
-        // Constructed values render from their catalogue definition, whatever class holds them.
-        TQ::Utility::OctetBuffer bytes;
-        value.encode2(bytes);
-        DataType::ANY(value.getDescriptor(), bytes).markup(factory, name, false, root, -1);
-        return;
-    }
     std::vector<DataApplicationValue> values;
     value.getValues(values);
     if (value.getStructure() == BACNET_DTS_SINGLE_VALUE && values.size() == 1) {
@@ -50,6 +42,42 @@ void value(MarkupFactory& factory, const ValueContainer& value, const std::strin
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i].markup(factory, std::to_string(i + 1), false, type, false, -1, true);
     factory.closeOpenMarkup();
+}
+
+}  // namespace
+
+void value(MarkupFactory& factory, BACNET_OBJECT_TYPE objectType, BACNET_PROPERTY_ID property, uint32_t arrayIndex,
+           const ValueContainer& value, const std::string& name, bool root) {
+    if (value.getDataType() == BACNET_DT_NULL) {
+        factory.markup(MarkupFactory::BT_NULL, name, "", true, false, BACNET_DT_NULL, root);
+        return;
+    }
+    // Whether the value is constructed is the catalogue's to say: a container that could not
+    // build its classes keeps primitives, which would show the structure flattened.
+    DataPropertyInObject0 descriptor;
+    const bool known = DataPropertyInObject0::getValueTypeAndStructure(objectType, property, descriptor, false);
+    const bool constructed = known ? descriptor.tag == BACNET_APPLICATION_TAG_NULL &&
+                                         descriptor.datatype != BACNET_DT_NULL && arrayIndex != 0
+                                   : !value.isPrimitive();
+    if (!constructed) {
+        primitives(factory, value, name, root);
+        return;
+    }
+    if (!known) descriptor = value.getDescriptor();
+    if (arrayIndex != BACNET_ARRAY_ALL) descriptor.structure = BACNET_DTS_SINGLE_VALUE;
+    TQ::Utility::OctetBuffer bytes;
+    value.encode2(bytes);
+    if (bytes.empty()) {
+        // An empty list or array: nothing for the catalogue walk to read.
+        const auto collection =
+            descriptor.structure == BACNET_DTS_LIST ? MarkupFactory::BT_LIST : MarkupFactory::BT_ARRAY;
+        factory.markup(collection, name, "", true, false, descriptor.datatype, root);
+        return;
+    }
+    DataType::ANY::PropertyRef ref;
+    ref.property = property;
+    ref.arrayIndex = arrayIndex == BACNET_ARRAY_ALL ? -1 : int(arrayIndex);
+    DataType::ANY(descriptor, ref, bytes).markup(factory, name, false, root, -1);
 }
 
 void failed(MarkupFactory& factory, const std::string& name, const std::string& text,
@@ -76,7 +104,8 @@ void object(MarkupFactory& factory, const DataType::ReadAccessResult& result, co
             }
             failed(factory, name, text, options);
         } else {
-            value(factory, v, name, false);
+            value(factory, result.getObjectIdentifier().getObjectType(), property.getPropertyIdentifier(),
+                  property.getArrayIndex(), v, name, false);
         }
     }
     factory.closeOpenMarkup();

@@ -24,11 +24,17 @@ using TQ::Utility::Data::pDB;
 
 namespace {
 
-// The prepared update statement of the stored values: made once, on the first session, and
-// then only re-executed (the library keeps its bound values for the process).
-std::unique_ptr<Poco::Data::Statement>& updateStatement() {
-    static std::unique_ptr<Poco::Data::Statement> statement;
-    return statement;
+// The prepared update statement of the stored values: the library prepares the first statement
+// object it is given and keeps its bound values for the process, so one statement serves the
+// first store made; a later store of the same process (tests) updates without it.
+struct Prepared {
+    std::unique_ptr<Poco::Data::Statement> statement;
+    const void* owner = nullptr;
+};
+Prepared& prepared() {
+    // Never destroyed: at exit its session may be gone already.
+    static Prepared* p = new Prepared;
+    return *p;
 }
 
 }  // namespace
@@ -37,7 +43,10 @@ Store::Store(const Config& config) {
     _db = config.postgresql.empty() ? Utility::Data::openEmbeddedDatabase(config.sqliteFile)
                                     : Utility::Data::openPostgreSQLDatabase(config.postgresql);
     pDB = _db.get();
-    if (!updateStatement()) updateStatement() = std::make_unique<Poco::Data::Statement>(_db->getSession());
+    if (!prepared().statement) {
+        prepared().statement = std::make_unique<Poco::Data::Statement>(_db->getSession());
+        prepared().owner = this;
+    }
     try {
         loadIndex();
     } catch (const std::exception& e) {
@@ -47,6 +56,8 @@ Store::Store(const Config& config) {
 
 Store::~Store() {
     std::lock_guard<std::mutex> lock(_mutex);
+    // The statement stays (the library holds on to it); no later store may take it for its own.
+    if (prepared().owner == this) prepared().owner = &prepared();
     if (pDB == _db.get()) pDB = nullptr;
 }
 
@@ -81,7 +92,7 @@ void Store::loadIndex() {
     for (std::size_t i = 0; i < devices.size(); ++i) {
         const auto device = instanceOf.find(devices[i]);
         if (device == instanceOf.end()) continue;
-        const DataType::ObjectIdentifier id(BACNET_OBJECT_TYPE(types[i]), unsigned(instances[i]));
+        const DataType::ObjectIdentifier id{BACNET_OBJECT_TYPE(types[i]), unsigned(instances[i])};
         auto& objects = _objects[device->second];
         if (objects.empty() || objects.back() != id) objects.push_back(id);
         if (rows[i] >= 0) _rows[Key(device->second, id.getValue(), uint32_t(properties[i]))] = rows[i];
@@ -120,6 +131,16 @@ bool Store::storeDevice(uint32_t instance, const std::vector<FoundObject>& objec
         }
         _db->commit();
         loadIndex();
+        // What discovery read is as fresh as any polled value.
+        const auto now = Clock::now();
+        for (const FoundObject& found : objects)
+            for (const auto& value : found.values) {
+                const auto row = _rows.find(Key(instance, found.id.getValue(), uint32_t(value.first)));
+                if (row == _rows.end()) continue;
+                Written& w = _written[row->second];
+                w.at = now;
+                value.second.getText(w.text, false);
+            }
         return true;
     } catch (const std::exception& e) {
         _db->rollback();
@@ -137,14 +158,10 @@ int Store::propertyRow(uint32_t device, DataType::ObjectIdentifier object, BACNE
 bool Store::freshValue(int row, unsigned maxAgeMs, std::string& text) {
     std::lock_guard<std::mutex> lock(_mutex);
     const auto written = _written.find(row);
-    if (written == _written.end() || Clock::now() - written->second > std::chrono::milliseconds(maxAgeMs))
+    if (written == _written.end() || Clock::now() - written->second.at > std::chrono::milliseconds(maxAgeMs))
         return false;
-    try {
-        return Entity::BnDeviceObjectProperty::dbGetPropertyValue(row, text);
-    } catch (const std::exception& e) {
-        fail("reading a stored value", e);
-        return false;
-    }
+    text = written->second.text;
+    return true;
 }
 
 bool Store::update(int row, const ValueContainer& value) {
@@ -152,8 +169,11 @@ bool Store::update(int row, const ValueContainer& value) {
     value.getText(text, false);
     std::lock_guard<std::mutex> lock(_mutex);
     try {
-        Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, updateStatement().get());
-        _written[row] = Clock::now();
+        Poco::Data::Statement* statement = prepared().owner == this ? prepared().statement.get() : nullptr;
+        Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, statement);
+        Written& w = _written[row];
+        w.at = Clock::now();
+        w.text = std::move(text);
         return true;
     } catch (const std::exception& e) {
         _written.erase(row);

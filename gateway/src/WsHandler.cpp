@@ -189,7 +189,8 @@ private:
         const Outcome o = _gateway.readProperty(params.deviceInstance, reference(params), value, true);
         if (!o.ok()) return fail(failureOf(o));
         Answer answer(options);
-        Render::value(answer.factory(), value, Render::propertyName(params.propertyId), true);
+        Render::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, params.arrayIndex, value,
+                      Render::propertyName(params.propertyId), true);
         answer.send(_response);
     }
 
@@ -200,9 +201,9 @@ private:
         for (std::size_t first = 0; first < ids.size(); first += kObjectsPerRead) {
             ReadPropertyMultiple rpm;
             for (std::size_t i = first; i < std::min(ids.size(), first + kObjectsPerRead); ++i) {
-                DataType::ReadAccessSpecification spec(ids[i]);
-                spec.addPropertyReference(BACnetPropertyReference(PROP_ALL, BACNET_ARRAY_ALL, 0));
-                rpm.addRAS(spec);
+                DataType::ReadAccessSpecification wanted(ids[i]);
+                wanted.addPropertyReference(BACnetPropertyReference(PROP_ALL, BACNET_ARRAY_ALL, 0));
+                rpm.addRAS(wanted);
             }
             const Outcome o = _gateway.readPropertyMultiple(device, rpm, all);
             if (!o.ok()) {
@@ -304,7 +305,8 @@ private:
             answer.factory().markup(MarkupFactory::BT_LIST, Render::propertyName(params.propertyId), "", true, false,
                                     BACNET_DT_NULL, true);
         } else {
-            Render::value(answer.factory(), all, Render::propertyName(params.propertyId), true);
+            Render::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, BACNET_ARRAY_ALL, all,
+                          Render::propertyName(params.propertyId), true);
         }
         answer.send(_response);
     }
@@ -320,7 +322,7 @@ private:
         if (params.arrayIndex == 0) return fail({kNotWritable, "the size of an array is not written"});
         if (params.arrayIndex != DotBACnetPathParams::NO_ARRAY_INDEX) descriptor.structure = BACNET_DTS_SINGLE_VALUE;
         // The encoder writes into the buffer's room; the size is then cut to what it wrote.
-        TQ::Utility::OctetBuffer bytes(std::size_t(ValueContainer::MAX_ENCODED));
+        TQ::Utility::OctetBuffer bytes{std::size_t(ValueContainer::MAX_ENCODED)};
         DataWsError error;
         const int length = WS::EncoderJSON().encode(descriptor, body, bytes, 0, error);
         if (length <= 0) {

@@ -22,9 +22,11 @@ namespace Render {
 
 /// A property's name as BACnet/WS writes it ("present-value"; a number when uncatalogued).
 std::string propertyName(BACNET_PROPERTY_ID property);
-/// A property value: primitives directly, arrays and lists element by element ("1", "2", ...),
-/// constructed values through the catalogue.
-void value(WS::MarkupFactory& factory, const ValueContainer& value, const std::string& name, bool root);
+/// A property value (of the element at `arrayIndex`, BACNET_ARRAY_ALL for the whole): primitives
+/// directly, arrays and lists element by element ("1", "2", ...), constructed values through
+/// the catalogue.
+void value(WS::MarkupFactory& factory, BACNET_OBJECT_TYPE objectType, BACNET_PROPERTY_ID property,
+           uint32_t arrayIndex, const ValueContainer& value, const std::string& name, bool root);
 /// A value that could not be read, as the "error-prefix" and "error-string" options say.
 void failed(WS::MarkupFactory& factory, const std::string& name, const std::string& text,
             const WS::MarkupOptions& options);

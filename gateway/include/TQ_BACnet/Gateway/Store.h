@@ -33,7 +33,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Opens the database (creating the catalogue on first use) and makes it the process-wide
-    /// session. One store per process: the prepared update statement lives as long as the process.
+    /// session. The first store of the process updates values through the prepared statement.
     explicit Store(const Config& config);
     ~Store();
 
@@ -47,7 +47,8 @@ public:
 
     /// The row of a stored property, or -1.
     int propertyRow(uint32_t device, DataType::ObjectIdentifier object, BACNET_PROPERTY_ID property) const;
-    /// The stored value text of a row written within maxAgeMs; false when older or unknown.
+    /// The value text this process stored in a row within maxAgeMs (kept beside the database as
+    /// well, so that a fresh read costs no query); false when older or unknown.
     bool freshValue(int row, unsigned maxAgeMs, std::string& text);
     /// Writes a value through the prepared update statement and notes its time.
     bool update(int row, const ValueContainer& value);
@@ -67,7 +68,12 @@ private:
     std::unique_ptr<Utility::Data::SmoDbSession> _db;
     std::map<Key, int> _rows;
     std::map<uint32_t, std::vector<DataType::ObjectIdentifier>> _objects;
-    std::unordered_map<int, Clock::time_point> _written;
+    /// What this process last wrote to a row, and when: a fresh value answers without a query.
+    struct Written {
+        Clock::time_point at;
+        std::string text;
+    };
+    std::unordered_map<int, Written> _written;
     std::string _lastError;
 };
 
