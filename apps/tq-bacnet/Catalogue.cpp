@@ -1,7 +1,7 @@
 #include "Catalogue.h"
 
 #include "TQ_BACnet/ProtocolText.h"
-#include "TQ_BACnet/Entity/BnDataTypeConstruct.h"
+#include "TQ_BACnet/WS/PropertyDocument.h"
 #include "TQ_BACnet/Entity/BnDataTypeEnum.h"
 #include "TQ/Utility/Data/EmbeddedDatabase.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
@@ -90,25 +90,10 @@ BACnet::DataPropertyInObject0 describe(BACNET_OBJECT_TYPE objectType, BACNET_PRO
 }
 
 BACnet::DataPropertyInObject0 elementOf(const BACnet::DataPropertyInObject0& property) {
-    BACnet::DataPropertyInObject0 element = property;
-    element.structure = BACnet::BACNET_DTS_SINGLE_VALUE;
-    constexpr unsigned kSequenceOf = 24;
-    const auto* definition = BACnet::Entity::BnDataTypeConstruct::find(property.datatype);
-    const bool sequenceOf = definition != nullptr && !definition->getIdBnMarkup().isNull() &&
-                            definition->getIdBnMarkup().value() == kSequenceOf &&
-                            definition->getInternalBDTCs().size() == 1 &&
-                            definition->getInternalBDTCs().front().pDTC != nullptr;
-    if (!sequenceOf) {
-        if (property.structure != BACnet::BACNET_DTS_SINGLE_VALUE) return element;
+    BACnet::DataPropertyInObject0 element;
+    if (!BACnet::WS::PropertyDocument::elementOf(property, element)) {
         throw InputError("the property is no array: it has no elements to index");
     }
-    const auto* elementType = definition->getInternalBDTCs().front().pDTC;
-    element.datatype = static_cast<BACnet::BACnetDataType>(elementType->getIdBnDataType());
-    // Constructed elements (a choice of priority values) carry no application tag of their own.
-    constexpr unsigned kLastPrimitiveKind = 12;
-    const bool primitive = !elementType->getIdBnMarkup().isNull() && elementType->getIdBnMarkup().value() <= kLastPrimitiveKind;
-    element.tag = primitive ? BACnet::DataPropertyInObject0::getPrimitiveType(element.datatype)
-                            : BACNET_APPLICATION_TAG_NULL;
     return element;
 }
 

@@ -28,6 +28,7 @@ public:
     Catalogue& operator=(const Catalogue&) = delete;
 
     const std::string& location() const { return _location; }
+    Utility::Data::SmoDbSession& session() { return *_session; }
     bool created() const { return _created; }
 
     /// The default database file: $TQ_BACNET_DB, else $XDG_DATA_HOME (or ~/.local/share)

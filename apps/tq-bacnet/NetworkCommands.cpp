@@ -10,6 +10,7 @@
 #include "TQ_BACnet/DataType/ReadAccessSpecification.h"
 #include "TQ_BACnet/Entity/BnDataType.h"
 #include "TQ_BACnet/Entity/BnDataTypeEnum.h"
+#include "TQ_BACnet/Net/DeviceStore.h"
 #include "TQ_BACnet/Service/ObjectAccess/ReadPropertyMultiple.h"
 #include "TQ_BACnet/Service/ObjectAccess/ReadPropertyMultipleAck.h"
 #include "TQ_BACnet/Service/ObjectAccess/ReadRange.h"
@@ -131,11 +132,7 @@ int runRead(const Args& args, std::ostream& out) {
     BACnet::ValueContainer value;
     check(network.operations().readProperty(device, referenceOf(object, property, index), value),
           "reading " + propertyName(property));
-    if (index > 0) {
-        // One element shows as a value of the element type, as `render --index` shows it.
-        value = decodeValue(bytesOf(encodedHex(value)), PropertyOf{object.type, property, index});
-    }
-    renderValue(args, value, propertyName(property), out);
+    renderValue(args, value, object.type, property, index, out);
     return EXIT_OK;
 }
 
@@ -249,7 +246,7 @@ int runReadRange(const Args& args, std::ostream& out) {
     const OA::ReadRange request(referenceOf(object, property, -1), range);
     network.bind(device);
     check(network.operations().readRange(device, request, ack), "reading the range");
-    renderValue(args, ack.getResult().items, propertyName(property), out);
+    renderValue(args, ack.getResult().items, object.type, property, -1, out);
     return EXIT_OK;
 }
 
@@ -267,6 +264,52 @@ int runTimeSync(const Args& args, std::ostream& out) {
         check(network.operations().timeSync(&device, Poco::Timestamp(), utc), "synchronising time");
     }
     out << (utc ? "UTC time" : "time") << " sent\n";
+    return EXIT_OK;
+}
+
+/// The instance of the device at a target: given, or read from its device object (any device
+/// answers to the wildcard instance).
+uint32_t instanceOf(Network& network, const Target& device) {
+    if (!device.byAddress) return device.instance;
+    constexpr unsigned kWildcardInstance = 4194303;
+    BACnet::ValueContainer id;
+    check(network.operations().readProperty(
+              device, referenceOf({OBJECT_DEVICE, kWildcardInstance}, PROP_OBJECT_IDENTIFIER, -1), id),
+          "reading the device's identifier");
+    return id.getObjectIdentifier().getInstance();
+}
+
+int runDiscover(const Args& args, std::ostream& out) {
+    args.expectPositionals(1, 1);
+    Catalogue catalogue(args);
+    const Target device = parseDevice(args.positionals()[0]);
+    Network network(args);
+    network.bind(device);
+    const uint32_t instance = instanceOf(network, device);
+    std::vector<FoundObject> objects;
+    check(network.operations().readObjects(device, instance, {PROP_OBJECT_NAME, PROP_PRESENT_VALUE}, objects),
+          "reading the object list");
+    if (args.has("store")) {
+        const int key = DeviceStore::storeDevice(catalogue.session(), instance, objects);
+        std::cerr << "stored device " << instance << " with " << objects.size() << " objects in "
+                  << catalogue.location() << " (device key " << key << ")\n";
+    }
+    writeDocument(args, out, false, [&](MarkupFactory& factory) {
+        factory.markup(MarkupFactory::BT_LIST, "objects", "", false, false, BACnet::BACNET_DT_NULL, true);
+        for (const FoundObject& found : objects) {
+            const auto type = found.id.getObjectType();
+            factory.markup(MarkupFactory::BT_OBJECT, found.id.getPath(false), "", false, false, BACnet::BACNET_DT_NULL,
+                           false);
+            factory.markup(MarkupFactory::BT_ENUMERATED, "object-type", objectTypeName(type), true, false,
+                           BACnet::BACNET_DT_NULL, false);
+            for (const auto& value : found.values) {
+                BACnet::WS::PropertyDocument::value(factory, type, value.first, BACNET_ARRAY_ALL, value.second,
+                                                    propertyName(value.first), false);
+            }
+            factory.closeOpenMarkup();
+        }
+        return true;
+    });
     return EXIT_OK;
 }
 
@@ -312,6 +355,9 @@ std::vector<Command> networkCommands() {
                {"count", "N", "items to read, negative backwards (default 10)"}},
               true),
          "tq-bacnet readrange 1234 trend-log,1 --count 5 --alt json", runReadRange},
+        {"discover", "the objects of a device with name, type and present value; --store keeps them in the tree",
+         "DEVICE [--store]", with({{"store", "", "store the device and its objects in the database"}}, true),
+         "tq-bacnet discover 1234 --store --alt json", runDiscover},
         {"timesync", "sends the time to a device or to all", "DEVICE | --broadcast",
          with({{"utc", "", "UTC time synchronisation"}, {"broadcast", "", "to every device on the network"}}, false),
          "tq-bacnet timesync 1234 --utc", runTimeSync},

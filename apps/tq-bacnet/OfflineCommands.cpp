@@ -38,7 +38,7 @@ int runRender(const Args& args, std::ostream& out) {
     Catalogue catalogue(args);
     const PropertyOf of = propertyOf(args);
     const BACnet::ValueContainer value = decodeValue(bytesOf(joined(args.positionals())), of);
-    renderValue(args, value, propertyName(of.property), out);
+    renderValue(args, value, of.objectType, of.property, of.arrayIndex, out);
     return EXIT_OK;
 }
 

@@ -47,11 +47,12 @@ void writeDocument(const Args& args, std::ostream& out, bool plainFits,
     if (!whole) std::cerr << "tq-bacnet: the value is shown only in part: " << why << "\n";
 }
 
-void renderValue(const Args& args, const BACnet::ValueContainer& value, const std::string& name,
-                 std::ostream& out) {
+void renderValue(const Args& args, const BACnet::ValueContainer& value, BACNET_OBJECT_TYPE objectType,
+                 BACNET_PROPERTY_ID property, int arrayIndex, std::ostream& out) {
     const bool simple = value.getStructure() == BACnet::BACNET_DTS_SINGLE_VALUE && value.isPrimitive();
     writeDocument(args, out, simple, [&](MarkupFactory& factory) {
-        return BACnet::WS::PropertyDocument::write(factory, value, name);
+        return BACnet::WS::PropertyDocument::write(factory, objectType, property,
+                                                   arrayIndex < 0 ? BACNET_ARRAY_ALL : uint32_t(arrayIndex), value);
     });
 }
 

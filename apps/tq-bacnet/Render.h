@@ -3,6 +3,8 @@
 
 #include "Cli.h"
 
+#include "tq_stack/enums.h"
+
 #include <functional>
 #include <ostream>
 #include <string>
@@ -26,11 +28,10 @@ const std::vector<OptionInfo>& renderOptions();
 void writeDocument(const Args& args, std::ostream& out, bool plainFits,
                    const std::function<bool(BACnet::WS::MarkupFactory&)>& write);
 
-/// Writes `value` as the whole document under `name` in the format the options ask for, and a
-/// line end. InputError for an unknown format; a value shown only in part is written and also
-/// reported on standard error.
-void renderValue(const Args& args, const BACnet::ValueContainer& value, const std::string& name,
-                 std::ostream& out);
+/// Writes the value of a property (of its element at `arrayIndex`, -1 for the whole) as the
+/// whole document in the format the options ask for, and a line end.
+void renderValue(const Args& args, const BACnet::ValueContainer& value, BACNET_OBJECT_TYPE objectType,
+                 BACNET_PROPERTY_ID property, int arrayIndex, std::ostream& out);
 
 }  // namespace Apps
 }  // namespace TQ

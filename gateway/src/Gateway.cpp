@@ -29,7 +29,6 @@ namespace {
 
 // Objects asked for in one ReadPropertyMultiple at discovery: small enough for one APDU each way
 // on any device that takes 480 octets.
-constexpr std::size_t kObjectsPerRequest = 8;
 constexpr unsigned kMaxBackOffMs = 60000;
 constexpr WS::DataWsError::WS_ERROR_CODE kLastWsError = 52;
 
@@ -147,51 +146,16 @@ Outcome Gateway::readRange(uint32_t device, const ReadRange& request, ReadRangeA
 }
 
 bool Gateway::readObjects(uint32_t device, std::vector<Store::FoundObject>& objects) {
-    const ObjectIdentifier self(OBJECT_DEVICE, device);
-    std::vector<ObjectIdentifier> ids;
-    ValueContainer list;
-    Outcome o = readProperty(device, BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, BACNET_ARRAY_ALL), list,
-                             false);
-    if (o.ok()) {
-        std::vector<DataApplicationValue> values;
-        list.getValues(values);
-        for (const auto& v : values)
-            if (v.getTag() == BACNET_APPLICATION_TAG_OBJECT_ID) ids.emplace_back(v, nullptr);
-    } else {
-        // A device that cannot send the whole list (no segmentation): its length, then each element.
-        ValueContainer count;
-        if (!readProperty(device, BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, 0), count, false).ok())
-            return false;
-        for (unsigned i = 1; i <= count.getUInt(); ++i) {
-            ValueContainer one;
-            if (readProperty(device, BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, i), one, false).ok())
-                ids.push_back(one.getObjectIdentifier());
-        }
-    }
-    for (std::size_t first = 0; first < ids.size(); first += kObjectsPerRequest) {
-        ReadPropertyMultiple rpm;
-        const std::size_t end = std::min(ids.size(), first + kObjectsPerRequest);
-        for (std::size_t i = first; i < end; ++i) {
-            DataType::ReadAccessSpecification wanted(ids[i]);
-            wanted.addPropertyReference(BACnetPropertyReference(PROP_OBJECT_NAME, BACNET_ARRAY_ALL, 0));
-            wanted.addPropertyReference(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 0));
-            rpm.addRAS(wanted);
-        }
-        ReadPropertyMultipleAck ack;
-        const bool answered = readPropertyMultiple(device, rpm, ack).ok();
-        for (std::size_t i = first; i < end; ++i) {
-            Store::FoundObject found;
-            found.id = ids[i];
-            if (answered) {
-                const DataType::ReadAccessResult& result = *(ack.beginRAR() + std::ptrdiff_t(i - first));
-                for (const auto& value : result.getPropertyValues())
-                    if (value.getValue().getDataType() != BACNET_DT_ERROR)
-                        found.values.emplace_back(value.getPropertyIdentifier(), value.getValue());
-            }
-            objects.push_back(std::move(found));
-        }
-    }
-    return true;
+    return DeviceOperations::readObjects(
+               device, {PROP_OBJECT_NAME, PROP_PRESENT_VALUE},
+               [this, device](const BACnetObjectPropertyReference& what, ValueContainer& value) {
+                   return readProperty(device, what, value, false);
+               },
+               [this, device](const ReadPropertyMultiple& request, ReadPropertyMultipleAck& ack) {
+                   return readPropertyMultiple(device, request, ack);
+               },
+               objects)
+        .ok();
 }
 
 std::vector<uint32_t> Gateway::discover() {

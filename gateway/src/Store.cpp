@@ -1,5 +1,7 @@
 #include "TQ_BACnet/Gateway/Store.h"
 
+#include "TQ_BACnet/Net/DeviceStore.h"
+
 #include "TQ/Utility/Data/EmbeddedDatabase.h"
 #include "TQ/Utility/Data/EntityServer.h"
 #include "TQ/Utility/Data/PostgreSQLDatabase.h"
@@ -99,37 +101,10 @@ void Store::loadIndex() {
     }
 }
 
-int Store::deviceKey(uint32_t instance) {
-    int key = -1;
-    Poco::Data::Statement s(_db->getSession());
-    s << "SELECT id_bn_device FROM bn_device_object WHERE id_bn_object_type=8 AND instance_nr=?",
-        into(key), useRef(instance), limit(1), now;
-    if (key >= 0) return key;
-    Utility::Data::EntityServer server(_db.get());
-    Entity::BnGw gw(true);
-    Entity::BnDevice device(true);
-    device.setEnabled(true);
-    gw.addDevice(device);
-    gw.updateAll(server, nullptr);
-    return gw.getDevices()->begin()->first;
-}
-
 bool Store::storeDevice(uint32_t instance, const std::vector<FoundObject>& objects) {
     std::lock_guard<std::mutex> lock(_mutex);
     try {
-        _db->begin();
-        const int key = deviceKey(instance);
-        for (const FoundObject& found : objects) {
-            Service::ObjectAccess::CreateObject create(found.id, true);
-            for (const auto& value : found.values) create.addInitialValue(value.first, value.second);
-            DataError why;
-            // An object whose values the catalogue cannot place (a proprietary type) is left out.
-            if (create.dbUpdate(key, 1, -1, Poco::Nullable<int>(), &why) < 0) {
-                Service::ObjectAccess::CreateObject bare(found.id, true);
-                bare.dbUpdate(key, 1, -1, Poco::Nullable<int>(), &why);
-            }
-        }
-        _db->commit();
+        Net::DeviceStore::storeDevice(*_db, instance, objects);
         loadIndex();
         // What discovery read is as fresh as any polled value.
         const auto now = Clock::now();
@@ -143,7 +118,6 @@ bool Store::storeDevice(uint32_t instance, const std::vector<FoundObject>& objec
             }
         return true;
     } catch (const std::exception& e) {
-        _db->rollback();
         fail("storing device " + std::to_string(instance), e);
         return false;
     }

@@ -6,7 +6,7 @@
 #include "TQ_BACnet/DataType/ReadAccessSpecification.h"
 #include "TQ_BACnet/Entity/BnWsError.h"
 #include "TQ_BACnet/Gateway/Gateway.h"
-#include "TQ_BACnet/Gateway/Render.h"
+#include "TQ_BACnet/WS/PropertyDocument.h"
 #include "TQ_BACnet/WS/DotBACnetPathParams.h"
 #include "TQ_BACnet/WS/EncoderJSON.h"
 #include "TQ_BACnet/WS/MarkupFactory.h"
@@ -189,8 +189,8 @@ private:
         const Outcome o = _gateway.readProperty(params.deviceInstance, reference(params), value, true);
         if (!o.ok()) return fail(failureOf(o));
         Answer answer(options);
-        Render::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, params.arrayIndex, value,
-                      Render::propertyName(params.propertyId), true);
+        WS::PropertyDocument::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, params.arrayIndex, value,
+                      WS::PropertyDocument::propertyName(params.propertyId), true);
         answer.send(_response);
     }
 
@@ -220,7 +220,7 @@ private:
         std::vector<DataType::ReadAccessResult> results;
         if (!readObjects(params.deviceInstance, {params.objectId}, ack, results)) return;
         Answer answer(options);
-        for (const auto& r : results) Render::object(answer.factory(), r, options, true);
+        for (const auto& r : results) WS::PropertyDocument::object(answer.factory(), r, options, true);
         answer.send(_response);
     }
 
@@ -259,7 +259,7 @@ private:
             if (shown < 4) continue;
             const auto objects = stored.find(device.first);
             if (shown >= 5) {
-                for (const auto& r : device.second) Render::object(f, r, options, false);
+                for (const auto& r : device.second) WS::PropertyDocument::object(f, r, options, false);
             } else if (objects != stored.end()) {
                 for (const ObjectIdentifier& id : objects->second)
                     f.markup(MarkupFactory::BT_OBJECT, id.getPath(false), "", true, false, BACNET_DT_NULL, false);
@@ -302,11 +302,11 @@ private:
         }
         Answer answer(options);
         if (have == 0) {
-            answer.factory().markup(MarkupFactory::BT_LIST, Render::propertyName(params.propertyId), "", true, false,
+            answer.factory().markup(MarkupFactory::BT_LIST, WS::PropertyDocument::propertyName(params.propertyId), "", true, false,
                                     BACNET_DT_NULL, true);
         } else {
-            Render::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, BACNET_ARRAY_ALL, all,
-                          Render::propertyName(params.propertyId), true);
+            WS::PropertyDocument::value(answer.factory(), params.objectId.getObjectType(), params.propertyId, BACNET_ARRAY_ALL, all,
+                          WS::PropertyDocument::propertyName(params.propertyId), true);
         }
         answer.send(_response);
     }

@@ -1,6 +1,10 @@
 #include "TQ_BACnet/Net/DeviceOperations.h"
 
 #include "TQ/Utility/OctetBuffer.h"
+#include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/DataType/BACnetPropertyReference.h"
+#include "TQ_BACnet/DataType/ReadAccessResult.h"
+#include "TQ_BACnet/DataType/ReadAccessSpecification.h"
 #include "TQ_BACnet/DataWriteProperty.h"
 #include "TQ_BACnet/Service/ObjectAccess/ReadProperty.h"
 #include "TQ_BACnet/Service/ObjectAccess/ReadPropertyAck.h"
@@ -8,6 +12,7 @@
 #include "TQ_BACnet/Service/RemoteDM/TimeSync.h"
 #include "tq_stack/wp.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace TQ {
@@ -234,6 +239,79 @@ Outcome DeviceOperations::timeSync(const Target* target, Poco::Timestamp moment,
     if (length <= 0) return Outcome::failed("the request does not encode");
     if (!_client.link().send(to, apdu.data(), unsigned(length), false)) return Outcome::failed("not sent");
     return Outcome::done();
+}
+
+namespace {
+
+/// Objects asked for in one ReadPropertyMultiple: small enough for any device's smallest APDU.
+constexpr std::size_t kObjectsPerRequest = 8;
+
+using DataType::BACnetObjectPropertyReference;
+using DataType::ObjectIdentifier;
+
+}  // namespace
+
+Outcome DeviceOperations::readObjects(uint32_t device, const std::vector<BACNET_PROPERTY_ID>& properties,
+                                      const ReadOne& readOne, const ReadMany& readMany,
+                                      std::vector<FoundObject>& objects) {
+    const ObjectIdentifier self(OBJECT_DEVICE, device);
+    std::vector<ObjectIdentifier> ids;
+    ValueContainer list;
+    Outcome o = readOne(BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, BACNET_ARRAY_ALL), list);
+    if (o.ok()) {
+        std::vector<DataApplicationValue> values;
+        list.getValues(values);
+        for (const auto& v : values)
+            if (v.getTag() == BACNET_APPLICATION_TAG_OBJECT_ID) ids.emplace_back(v, nullptr);
+    } else {
+        // A device that cannot send the whole list (no segmentation): its length, then each element.
+        ValueContainer count;
+        o = readOne(BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, 0), count);
+        if (!o.ok()) return o;
+        for (unsigned i = 1; i <= count.getUInt(); ++i) {
+            ValueContainer one;
+            if (readOne(BACnetObjectPropertyReference(self, PROP_OBJECT_LIST, i), one).ok())
+                ids.push_back(one.getObjectIdentifier());
+        }
+    }
+    for (std::size_t first = 0; first < ids.size(); first += kObjectsPerRequest) {
+        ReadPropertyMultiple rpm;
+        const std::size_t end = std::min(ids.size(), first + kObjectsPerRequest);
+        for (std::size_t i = first; i < end; ++i) {
+            DataType::ReadAccessSpecification wanted(ids[i]);
+            for (BACNET_PROPERTY_ID property : properties)
+                wanted.addPropertyReference(DataType::BACnetPropertyReference(property, BACNET_ARRAY_ALL, 0));
+            rpm.addRAS(wanted);
+        }
+        ReadPropertyMultipleAck ack;
+        const bool answered = !properties.empty() && readMany(rpm, ack).ok();
+        for (std::size_t i = first; i < end; ++i) {
+            FoundObject found;
+            found.id = ids[i];
+            if (answered) {
+                const DataType::ReadAccessResult& result = *(ack.beginRAR() + std::ptrdiff_t(i - first));
+                for (const auto& value : result.getPropertyValues())
+                    if (value.getValue().getDataType() != BACNET_DT_ERROR)
+                        found.values.emplace_back(value.getPropertyIdentifier(), value.getValue());
+            }
+            objects.push_back(std::move(found));
+        }
+    }
+    return Outcome::done();
+}
+
+Outcome DeviceOperations::readObjects(const Target& target, uint32_t device,
+                                      const std::vector<BACNET_PROPERTY_ID>& properties,
+                                      std::vector<FoundObject>& objects) {
+    return readObjects(
+        device, properties,
+        [this, &target](const BACnetObjectPropertyReference& what, ValueContainer& value) {
+            return readProperty(target, what, value);
+        },
+        [this, &target](const ReadPropertyMultiple& request, ReadPropertyMultipleAck& ack) {
+            return readPropertyMultiple(target, request, ack);
+        },
+        objects);
 }
 
 }  // namespace Net

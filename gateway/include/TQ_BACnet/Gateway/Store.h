@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
+#include "TQ_BACnet/Net/DeviceOperations.h"
 #include "TQ_BACnet/ValueContainer.h"
 
 #include <chrono>
@@ -38,10 +39,7 @@ public:
     ~Store();
 
     /// One object found on a device, with the values stored at discovery.
-    struct FoundObject {
-        DataType::ObjectIdentifier id;
-        std::vector<std::pair<BACNET_PROPERTY_ID, ValueContainer>> values;
-    };
+    using FoundObject = Net::FoundObject;
     /// Stores (or updates) a device and its objects in one transaction; false on failure.
     bool storeDevice(uint32_t instance, const std::vector<FoundObject>& objects);
 
@@ -59,7 +57,6 @@ public:
     std::string lastError() const;
 
 private:
-    int deviceKey(uint32_t instance);
     void loadIndex();
     void fail(const std::string& what, const std::exception& e);
 

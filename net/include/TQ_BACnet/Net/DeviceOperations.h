@@ -11,7 +11,9 @@
 
 #include <Poco/Timestamp.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace TQ {
@@ -78,6 +80,13 @@ struct Request {
     bool ok() const { return !data.empty(); }
 };
 
+/// One object found on a device, with the properties read at discovery (those the device
+/// refused are left out).
+struct FoundObject {
+    DataType::ObjectIdentifier id;
+    std::vector<std::pair<BACNET_PROPERTY_ID, ValueContainer>> values;
+};
+
 /// The operations a gateway or a tool performs on a device, on top of the client's
 /// transactions and the service classes: encoded by the services, answered values decoded and
 /// typed through the catalogue, acknowledgements checked against their requests. Runs in the
@@ -107,6 +116,20 @@ public:
     Outcome timeSync(const Target* target, Poco::Timestamp moment, bool utc);
 
     Client& client() { return _client; }
+
+    /// How a discovery reaches the device: one property, or several objects at once. The gateway
+    /// routes these through its network thread, a tool calls the operations above directly.
+    using ReadOne = std::function<Outcome(const DataType::BACnetObjectPropertyReference&, ValueContainer&)>;
+    using ReadMany = std::function<Outcome(const Service::ObjectAccess::ReadPropertyMultiple&,
+                                           Service::ObjectAccess::ReadPropertyMultipleAck&)>;
+    /// The objects of `device` (its object list whole, or element by element from a device that
+    /// cannot send it whole) with `properties` of each, read a few objects per request. The
+    /// outcome of reading the object list: its failure leaves `objects` untouched.
+    static Outcome readObjects(uint32_t device, const std::vector<BACNET_PROPERTY_ID>& properties,
+                               const ReadOne& readOne, const ReadMany& readMany, std::vector<FoundObject>& objects);
+    /// The same through this object's own operations.
+    Outcome readObjects(const Target& target, uint32_t device, const std::vector<BACNET_PROPERTY_ID>& properties,
+                        std::vector<FoundObject>& objects);
 
     // The two halves of each confirmed operation, for a caller that keeps many requests in
     // flight through `Client::submit` and `Client::take`; the operations above are these two
