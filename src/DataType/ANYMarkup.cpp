@@ -18,7 +18,7 @@ using WS::MarkupFactory;
 
 namespace {
 
-constexpr BACnetDataType kPriorityArray = static_cast<BACnetDataType>(1064);
+constexpr auto kPriorityArray = static_cast<BACnetDataType>(TQ::Catalogue::DataType::BACnetPriorityArray);
 
 // The held bytes decoded into the codec's chain of values, guided by the catalogue; released
 // with the object.
