@@ -105,9 +105,11 @@ void BM_PriorityArrayWalkJson(benchmark::State& state) {
         if (i + 1 < values.size()) values[i].next = &values[i + 1];
     }
     char buffer[4096];
+    Poco::MemoryOutputStream out(buffer, sizeof buffer);
+    const std::string property = "priority-array";
     std::size_t bytes = 0;
     for (auto _ : state) {
-        Poco::MemoryOutputStream out(buffer, sizeof buffer);
+        out.seekp(0);
         WS::MarkupFactoryJSON f(out, false, false, -1);
         DataApplicationValue* cursor = &values[0];
         f.markup2(static_cast<BACnetDataType>(1064), &cursor, "priority-array", true,

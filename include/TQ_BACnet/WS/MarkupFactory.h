@@ -286,6 +286,16 @@ public:
     void formatAfter();
 
 protected:
+    /// Writers print through these: straight into the stream's buffer, without a stream's
+    /// per-call bookkeeping. Nothing is written once `flush` has ended a compressed stream.
+    void write(const char* text, std::size_t length) {
+        if (std::streambuf* buffer = _out.rdbuf()) buffer->sputn(text, static_cast<std::streamsize>(length));
+    }
+    void write(const std::string& text) { write(text.data(), text.size()); }
+    void write(char c) {
+        if (std::streambuf* buffer = _out.rdbuf()) buffer->sputc(c);
+    }
+
     Metadata _metadata;
     bool _compressing = false;
     /// Present only when compressing; writes into the caller's stream.
