@@ -17,6 +17,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <deque>
 #include <memory>
 #include <ostream>
 #include <streambuf>
@@ -144,6 +145,58 @@ void BM_PriorityArrayWalkJson(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * 16));
 }
 
+// A trend log's buffer of 50 records (date-time, REAL datum, status flags) as decoded, walked
+// record by record from the catalogue into JSON (argument 0) or XML (1).
+void BM_TrendLog50Records(benchmark::State& state) {
+    catalogue();
+    std::deque<DataApplicationValue> run;
+    const auto tag = [&run](uint8_t which, uint8_t context) {
+        run.emplace_back();
+        run.back().tag = which;
+        run.back().context_specific = true;
+        run.back().context_tag = context;
+    };
+    for (int record = 0; record < 50; ++record) {
+        tag(BACNET_PSEUDO_TAG_OPENING, 0);
+        run.emplace_back(BACNET_APPLICATION_TAG_DATE, true);
+        run.emplace_back(BACNET_APPLICATION_TAG_TIME, true);
+        tag(BACNET_PSEUDO_TAG_CLOSING, 0);
+        tag(BACNET_PSEUDO_TAG_OPENING, 1);
+        run.emplace_back();
+        run.back().setReal(20.0f + 0.1f * static_cast<float>(record));
+        run.back().context_specific = true;
+        run.back().context_tag = 2;
+        tag(BACNET_PSEUDO_TAG_CLOSING, 1);
+        run.emplace_back(BACNET_APPLICATION_TAG_BIT_STRING, true);
+        run.back().context_specific = true;
+        run.back().context_tag = 2;
+    }
+    for (std::size_t i = 0; i + 1 < run.size(); ++i) run[i].next = &run[i + 1];
+    std::vector<std::string> names;
+    for (int i = 1; i <= 50; ++i) names.push_back(std::to_string(i));
+    const std::string property = "log-buffer";
+    Sink sink;
+    std::ostream out(&sink);
+    std::size_t bytes = 0;
+    for (auto _ : state) {
+        sink.text.clear();
+        std::unique_ptr<MF> f;
+        if (state.range(0) == 0)
+            f.reset(new WS::MarkupFactoryJSON(out, false, false, -1));
+        else
+            f.reset(new WS::MarkupFactoryXML(out, false, false, -1));
+        f->markup(MF::BT_LIST, property, "", false, false, BACNET_DT_LOG_RECORD, true);
+        DataApplicationValue* cursor = &run[0];
+        for (const std::string& name : names)
+            f->markup2(BACNET_DT_LOG_RECORD, &cursor, name, false, Poco::Nullable<unsigned char>());
+        f->closeAllOpenMarkups();
+        bytes += sink.text.size();
+        benchmark::DoNotOptimize(sink.text.data());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(bytes));
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * 50));
+}
+
 void fixedIterations(benchmark::internal::Benchmark* b) {
     if (const char* n = std::getenv("TQ_BENCH_ITERATIONS")) b->Iterations(std::strtoll(n, nullptr, 10));
 }
@@ -153,3 +206,4 @@ void fixedIterations(benchmark::internal::Benchmark* b) {
 BENCHMARK(BM_Render16RealsJson)->Apply(fixedIterations);
 BENCHMARK(BM_GetText16Reals)->Apply(fixedIterations);
 BENCHMARK(BM_PriorityArrayWalkJson)->Apply(fixedIterations);
+BENCHMARK(BM_TrendLog50Records)->Arg(0)->Arg(1)->Apply(fixedIterations);
