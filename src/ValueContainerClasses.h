@@ -1,4 +1,5 @@
-// Which class a value container holds a constructed value in: the one table of it.
+// Which classes a value container holds constructed values in: the class a data type decodes
+// into, the class a chain of primitives builds, and the dispatch over what is actually held.
 #pragma once
 
 #include "TQ_BACnet/BACnetDataType.h"
