@@ -23,7 +23,10 @@ constexpr auto PROPERTY_IDENTIFIERS = static_cast<BACnetDataType>(1090);
 }  // namespace
 
 bool BACnetComplex::markupFromCatalogue(MarkupFactory& factory, const std::string& name) const {
-    std::vector<DataApplicationValue> primitives;
+    // One scratch run per thread: a log of many records renders without an allocation each. No
+    // walk renders a class of its own, so the run is never in use twice.
+    thread_local std::vector<DataApplicationValue> primitives;
+    primitives.clear();
     getBACnetPrimitives(primitives);
     if (primitives.empty()) return false;
     for (size_t i = 0; i + 1 < primitives.size(); ++i) primitives[i].next = &primitives[i + 1];
