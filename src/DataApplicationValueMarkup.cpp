@@ -5,15 +5,16 @@ namespace TQ {
 namespace BACnet {
 
 void DataApplicationValue::markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
-                                  BACnetDataType dataType, bool root, int level, bool bitsAsBooleans) const {
+                                  BACnetDataType dataType, bool root, int /*level*/,
+                                  bool bitsAsBooleans) const {
     bool ok = false;
     // Unescaped: the writer escapes the value itself, so escaping here too would show "&amp;lt;".
     std::string text = getText(factory.getUseNames(), dataType, &ok, nullptr, bitsAsBooleans);
     if (!ok) text = "???";
     const auto baseType =
         static_cast<WS::MarkupFactory::BaseType>(isNull() ? 0u : static_cast<unsigned>(tag));
-    factory.markup(baseType, name, text, true, arrayMarker, dataType, root, "", 0, "", "", "", false, "", "",
-                   getContextTagAsString(), "", "", "", false, level);
+    // The general entry's other arguments are all empty for a primitive: the lean one will do.
+    factory.markupValue(baseType, name, text, arrayMarker, root, getContextTagAsString());
 }
 
 }  // namespace BACnet

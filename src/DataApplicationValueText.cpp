@@ -18,6 +18,7 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/String.h>
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -169,8 +170,13 @@ std::string DataApplicationValue::getText(bool useNames, BACnetDataType dataType
             return HostConvert::setUInt(type.Unsigned_Int);
         case BACNET_APPLICATION_TAG_SIGNED_INT:
             return HostConvert::setInt(type.Signed_Int);
-        case BACNET_APPLICATION_TAG_REAL:
-            return HostConvert::setReal(type.Real, -1, false);
+        case BACNET_APPLICATION_TAG_REAL: {
+            // Shortest text that reads back as the same float (0.1f is "0.1", not the digits of
+            // the double it widens to); no locale, no stream.
+            char text[32];
+            const std::to_chars_result end = std::to_chars(text, text + sizeof text, type.Real);
+            return std::string(text, end.ptr);
+        }
         case BACNET_APPLICATION_TAG_DOUBLE:
             return HostConvert::setReal(type.Double, -1, false);
         case BACNET_APPLICATION_TAG_OCTET_STRING:
