@@ -64,15 +64,7 @@ void BACnetTrendLogLastUploaded::markup(MarkupFactory& factory, const std::strin
 }  // namespace Proprietary
 
 void Error::markup(MarkupFactory& factory, const std::string& name, bool arrayMarker) const {
-    if (isAbort() || isReject()) {
-        std::string reason;
-        factory.markupEnumOrBitStringValue(isAbort() ? BACNET_DT_ABORT_REASON : BACNET_DT_REJECT_REASON,
-                                           static_cast<int>(getErrorCode()), reason);
-        factory.markup(MarkupFactory::BT_ENUMERATED, name, reason, true, arrayMarker, BACNET_DT_NULL, false, "", 0,
-                       "", "", "", false, "", "", "", "", "", "", false, -1);
-        return;
-    }
-    markupFromCatalogue(factory, name);
+    DataError::markup(factory, name, name, name, arrayMarker);
 }
 
 void BACnetDeviceObjectPropertyReference::markupForAzure(MarkupFactory& factory, const std::string& name) const {
