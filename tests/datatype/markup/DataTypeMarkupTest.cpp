@@ -21,6 +21,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <sstream>
 
 namespace {
@@ -43,13 +44,15 @@ Rendered render(const std::string& format, const Render& write) {
     WS::MarkupOptions options;
     options.parseOptionsFromQuery("alt=" + format);
     std::ostringstream out;
-    MF* f = WS::MarkupFactoryMaker::getMarkupFactoryPointer(options, out, true);
+    // Released as a response releases it, also when rendering throws.
+    const std::unique_ptr<MF, void (*)(MF*)> f(WS::MarkupFactoryMaker::getMarkupFactoryPointer(options, out, true),
+                                               &WS::MarkupFactoryMaker::flushAndDeleteMarkupFactoryPointer);
     // As a response would: the values render inside the document's root.
     f->markup(MF::BT_SEQUENCE, "root", "", false, false, BACNET_DT_NULL, true);
     write(*f);
     f->closeAllOpenMarkups();
     const int lastError = f->getLastErrorCode();
-    WS::MarkupFactoryMaker::flushAndDeleteMarkupFactoryPointer(f);
+    f->flush();
     return {out.str(), lastError};
 }
 

@@ -103,7 +103,7 @@ TEST(ReadBack, LogRecordsRebuildFromTheirPrimitives) {
         [](BACnetLogRecord& r) { r.setReal(21.5f); r.setStatusFlags(0x05); },
         [](BACnetLogRecord& r) { BACnetLogRecord::Datum d; d.setError(2, 32); r.setDatum(BACnetLogRecord::FAILURE, d); },
         [](BACnetLogRecord& r) { BACnetLogRecord::Datum d; d.setLogStatus(5); r.setDatum(BACnetLogRecord::LOG_STATUS, d); },
-        [](BACnetLogRecord& r) { BACnetLogRecord::Datum d; const uint8_t b[] = {0xA5, 0x01}; d.setBitString(b, 0x27, 2); r.setDatum(BACnetLogRecord::BITSTRING_VALUE, d); },
+        [](BACnetLogRecord& r) { BACnetLogRecord::Datum d; const uint8_t b[] = {0xA5, 0x01}; d.setBitString(b, 2, 12); r.setDatum(BACnetLogRecord::BITSTRING_VALUE, d); },
         [](BACnetLogRecord& r) { r.setDatum(BACnetLogRecord::NULL_VALUE, BACnetLogRecord::Datum()); },
         [](BACnetLogRecord& r) { BACnetLogRecord::Datum d; d.setBoolean(true); r.setDatum(BACnetLogRecord::BOOLEAN_VALUE, d); r.setStatusFlags(0x08); },
     };
