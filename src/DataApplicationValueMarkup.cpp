@@ -1,6 +1,8 @@
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/WS/MarkupFactory.h"
 
+#include <Poco/Exception.h>
+
 namespace TQ {
 namespace BACnet {
 
@@ -8,8 +10,13 @@ void DataApplicationValue::markup(WS::MarkupFactory& factory, const std::string&
                                   BACnetDataType dataType, bool root, int /*level*/,
                                   bool bitsAsBooleans) const {
     bool ok = false;
-    // Unescaped: the writer escapes the value itself, so escaping here too would show "&amp;lt;".
-    std::string text = getText(factory.getUseNames(), dataType, &ok, nullptr, bitsAsBooleans);
+    std::string text;
+    try {
+        // Unescaped: the writer escapes the value itself, so escaping here too would show "&amp;lt;".
+        text = getText(factory.getUseNames(), dataType, &ok, nullptr, bitsAsBooleans);
+    } catch (const Poco::Exception&) {
+        ok = false;  // a value off the wire that has no text (a date out of range) still renders
+    }
     if (!ok) text = "???";
     const auto baseType =
         static_cast<WS::MarkupFactory::BaseType>(isNull() ? 0u : static_cast<unsigned>(tag));

@@ -1,5 +1,6 @@
 // Text, variant and tag conversions of DataApplicationValue.
 #include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/Utility/FloatText.h"
 
 #include "TQ/Utility/ConvertIt.h"
 #include "TQ_BACnet/DataErrorRef.h"
@@ -18,7 +19,6 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/String.h>
 
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -173,9 +173,8 @@ std::string DataApplicationValue::getText(bool useNames, BACnetDataType dataType
         case BACNET_APPLICATION_TAG_REAL: {
             // Shortest text that reads back as the same float (0.1f is "0.1", not the digits of
             // the double it widens to); no locale, no stream.
-            char text[32];
-            const std::to_chars_result end = std::to_chars(text, text + sizeof text, type.Real);
-            return std::string(text, end.ptr);
+            char text[Utility::kFloatTextMax];
+            return std::string(text, Utility::floatText(type.Real, text));
         }
         case BACNET_APPLICATION_TAG_DOUBLE:
             return HostConvert::setReal(type.Double, -1, false);

@@ -21,7 +21,7 @@ MarkupFactory::MarkupFactory(std::ostream& out, bool pretty, bool useNames, int 
       _deflater(_compressing ? std::make_unique<Poco::DeflatingOutputStream>(
                                    out, static_cast<Poco::DeflatingStreamBuf::StreamType>(compression))
                              : nullptr),
-      _out(_compressing ? _deflater->rdbuf() : out.rdbuf()),
+      _out(_compressing ? static_cast<std::ostream&>(*_deflater) : out),
       _pretty(pretty),
       _useNames(useNames) {}
 
@@ -44,13 +44,14 @@ void MarkupFactory::stringEncode(std::string& text) {
 }
 
 void MarkupFactory::flush() {
+    if (_ended) return;
     _out.flush();
     // Closing the deflater writes the compressed stream's trailer; without it the client cannot
-    // inflate the response.
+    // inflate the response. Later writes, through the writers or the stream, go nowhere.
     if (_deflater) {
         _deflater->close();
-        _deflater.reset();
-        _out.rdbuf(nullptr);
+        _deflater->setstate(std::ios::badbit);
+        _ended = true;
     }
 }
 

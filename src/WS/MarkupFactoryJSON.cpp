@@ -20,17 +20,17 @@ void MarkupFactoryJSON::reset() {
 }
 
 void MarkupFactoryJSON::embeddStart() {
-    _out.put('{');
+    write('{');
 }
 
 void MarkupFactoryJSON::embeddEnd() {
-    _out.put('}');
+    write('}');
 }
 
 void MarkupFactoryJSON::append(const std::string& text) {
-    if (!_first) _out.put(',');
+    if (!_first) write(',');
     _first = false;
-    _out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    write(text);
 }
 
 void MarkupFactoryJSON::writeString(const std::string& text) {
@@ -139,12 +139,12 @@ int MarkupFactoryJSON::descMarkup(BaseType baseType, const std::string& name, co
 }
 
 void MarkupFactoryJSON::flushLine() {
-    _out.write(_line.data(), static_cast<std::streamsize>(_line.size()));
+    write(_line);
 }
 
 void MarkupFactoryJSON::descCloseOpenMarkup(const std::string&, bool arrayMarker) {
     if (arrayMarker) return;
-    _out.put('}');
+    write('}');
     _first = false;
 }
 

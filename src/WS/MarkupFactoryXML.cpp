@@ -17,7 +17,7 @@ bool isVendorType(const std::string& text) {
 }  // namespace
 
 void MarkupFactoryXML::append(const std::string& text) {
-    _out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    write(text);
 }
 
 void MarkupFactoryXML::descHeader() {

@@ -286,12 +286,27 @@ public:
     void formatAfter();
 
 protected:
+    /// Writers print through these: straight into the stream's buffer, without a stream's
+    /// per-call bookkeeping. Nothing is written once `flush` has ended a compressed stream.
+    void write(const char* text, std::size_t length) {
+        if (std::streambuf* buffer = _ended ? nullptr : _out.rdbuf())
+            buffer->sputn(text, static_cast<std::streamsize>(length));
+    }
+    void write(const std::string& text) { write(text.data(), text.size()); }
+    void write(char c) {
+        if (std::streambuf* buffer = _ended ? nullptr : _out.rdbuf()) buffer->sputc(c);
+    }
+
     Metadata _metadata;
     bool _compressing = false;
     /// Present only when compressing; writes into the caller's stream.
     std::unique_ptr<Poco::DeflatingOutputStream> _deflater;
     /// What the writers print to: over the caller's buffer, or the deflater's.
-    std::ostream _out;
+    /// The caller's stream, or the deflater; a reference, so that making a writer costs no
+    /// stream of its own.
+    std::ostream& _out;
+    /// Set once `flush` has ended a compressed stream: nothing more is written.
+    bool _ended = false;
     int _lastErrorCode = 0;
     std::string _lastErrorText;
     bool _pretty;
