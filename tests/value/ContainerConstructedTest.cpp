@@ -1,8 +1,7 @@
 // The value container's constructed half: values built from decoded primitives and broken down
 // again, printed, rendered and merged.
-#include "RecordingFactory.h"
 #include "TQTestSupport.h"
-#include "ValueDatabase.h"
+#include "TQTestCatalogue.h"
 
 #include "TQ/Utility/Data/SmoDbSession.h"
 #include "TQ/Utility/OctetBuffer.h"
@@ -13,8 +12,11 @@
 #include "TQ_BACnet/DataType/BACnetLogRecord.h"
 #include "TQ_BACnet/DataType/BACnetObjectPropertyReference.h"
 #include "TQ_BACnet/ValueContainer.h"
+#include "TQ_BACnet/WS/MarkupFactory.h"
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace {
 
@@ -78,6 +80,26 @@ ValueContainer logOf(int first, int count) {
     build(c, recordPrimitives(records), 1054, BACNET_DTS_LIST);
     return c;
 }
+
+// Remembers the kind and name of every markup it is handed.
+class Recorder : public WS::MarkupFactory {
+public:
+    explicit Recorder(std::ostream& out) : MarkupFactory(out, false, false, -1) {}
+    void append(const std::string&) override {}
+    bool allowArrays() const override { return false; }
+    int descMarkup(BaseType type, const std::string& name, const std::string&, unsigned int,
+                   const std::vector<WS::MetadataValue>*) override {
+        opened.push_back({type, name});
+        return 0;
+    }
+    void descCloseOpenMarkup(const std::string&, bool) override {}
+    void descStringEncode(std::string&) override {}
+    struct Opened {
+        BaseType baseType;
+        std::string name;
+    };
+    std::vector<Opened> opened;
+};
 
 const ObjectIdentifier AI3(OBJECT_ANALOG_INPUT, 3);
 const ObjectIdentifier DEVICE1234(OBJECT_DEVICE, 1234);
@@ -202,7 +224,7 @@ TEST(ContainerConstructed, MergeRefusesOtherTypesAndLeavesBothAlone) {
 
 TEST(ContainerConstructed, RendersOneObjectBareAndSeveralAsAList) {
     std::ostringstream out;
-    TQWsTest::RecordingFactory f(out);
+    Recorder f(out);
     ValueContainer c;
     build(c, chainOf<BACnetDateTime>({BACnetDateTime()}), 1026, BACNET_DTS_SINGLE_VALUE);
     c.markup(f, "v", false, BACNET_DT_NULL);
@@ -225,7 +247,7 @@ TEST(ContainerConstructed, RendersOneObjectBareAndSeveralAsAList) {
 }
 
 TEST(ContainerLooseEnds, CatalogueFailureInDecodeIsAnError) {
-    TQValueTest::ValueDatabase::instance();
+    TQTest::Catalogue::open();
     auto* session = TQ::Utility::Data::pDB;
     TQ::Utility::Data::pDB = nullptr;
     ValueContainer c;
