@@ -1,4 +1,5 @@
-// Which class a value container holds a constructed value in: the one table of it.
+// Which classes a value container holds constructed values in: the class a data type decodes
+// into, the class a chain of primitives builds, and the dispatch over what is actually held.
 #pragma once
 
 #include "TQ_BACnet/BACnetDataType.h"
@@ -63,19 +64,19 @@ decltype(auto) withClass(BACnetDataType datatype, F&& f) {
 template <class F>
 bool withPrimitiveClass(BACnetDataType datatype, F&& f) {
     using namespace DataType;
-    switch (static_cast<unsigned>(datatype)) {
-        case 1011: return f(Class<BACnetAddressBinding>());
-        case 1026: return f(Class<BACnetDateTime>());
-        case 1028: return f(Class<BACnetDeviceObjectPropertyReference>());
-        case 1054: return f(Class<BACnetLogRecord>());
-        case 1060: return f(Class<BACnetObjectPropertyReference>());
-        case 1070: return f(Class<BACnetRecipient>());
-        case 1083: return f(Class<ReadAccessResult>());
-        case 1084: return f(Class<ReadAccessSpecification>());
-        case 1105: return f(Class<BACnetAddress>());
-        case 1127: return f(Class<BACnetPropertyReference>());
-        case 1129: return f(Class<BACnetPropertyValue>());
-        case 1136: return f(Class<Error>());
+    switch (datatype) {
+        case BACNET_DT_ADDRESS_BINDING: return f(Class<BACnetAddressBinding>());
+        case BACNET_DT_DATE_TIME: return f(Class<BACnetDateTime>());
+        case BACNET_DT_DEVICE_OBJECT_PROPERTY_REFERENCE: return f(Class<BACnetDeviceObjectPropertyReference>());
+        case BACNET_DT_LOG_RECORD: return f(Class<BACnetLogRecord>());
+        case BACNET_DT_OBJECT_PROPERTY_REFERENCE: return f(Class<BACnetObjectPropertyReference>());
+        case BACNET_DT_RECIPIENT: return f(Class<BACnetRecipient>());
+        case BACNET_DT_READ_ACCESS_RESULT: return f(Class<ReadAccessResult>());
+        case BACNET_DT_READ_ACCESS_SPECIFICATION: return f(Class<ReadAccessSpecification>());
+        case BACNET_DT_ADDRESS: return f(Class<BACnetAddress>());
+        case BACNET_DT_PROPERTY_REFERENCE: return f(Class<BACnetPropertyReference>());
+        case BACNET_DT_PROPERTY_VALUE: return f(Class<BACnetPropertyValue>());
+        case BACNET_DT_ERROR: return f(Class<Error>());
         default: return false;
     }
 }

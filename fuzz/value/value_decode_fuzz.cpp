@@ -1,15 +1,19 @@
 // Input layout: byte 0 data type selector, byte 1 application tag, byte 2 structure and the
 // empty-allowed flag, byte 3 value limit, byte 4 array index selector; the rest is the value's
-// bytes. Whatever decodes must print, encode and read back from its text without a fault, and
-// the decoder must report failure only through its result and error.
+// bytes. Whatever decodes must print, encode, merge, break into primitives, build again from them
+// and read back from its text without a fault, and the decoder must report failure only through
+// its result and error.
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/ValueContainer.h"
+
+#include <Poco/Exception.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -76,6 +80,27 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     uint8_t apduOut[2 * ValueContainer::MAX_ENCODED];
     check(container.encode(apduOut) <= ValueContainer::MAX_ENCODED);
     container.getLastTimeStamp();
+    container.getString(text, "|", true);
+    container.getString(text, "|", false);
+
+    // Merged over itself it stays valid; built again from its own primitives
+    // it must not fault (a run no class reads stays primitives).
+    ValueContainer copy(container);
+    std::vector<DataApplicationValue> primitives;
+    copy.getValues(primitives);
+    std::string reason;
+    check(copy.merge(container, 0, reason));
+    if (!primitives.empty()) {
+        copy.setApplicationValueLinks(primitives);
+        primitives.back().next = nullptr;
+        ValueContainer rebuilt;
+        try {
+            rebuilt.setApplicationValue(primitives.front(), &container.getDescriptor());
+        } catch (const Poco::AssertionViolationException&) {
+            // a lone primitive the descriptor cannot take: refused as documented
+        }
+        rebuilt.getText(text, false);
+    }
 
     ValueContainer again;
     if (again.setText(container.getDataType(), container.getTag(), text, false)) {

@@ -139,6 +139,13 @@ public:
     /// one broken down by its class (context tags kept), objects of a vector one after another.
     std::vector<DataApplicationValue>& getBACnetPrimitives(std::vector<DataApplicationValue>& out) const;
 
+    /// Holds `object` as the single constructed value, described by its own data type.
+    template <class T>
+    void setValue(const T& object) {
+        _descriptor.init();
+        _descriptor.datatype = object.getBACnetDataType();
+        _value = object;
+    }
     /// The single held object as T; Poco::BadCastException "Failed to convert between Any types"
     /// when something else is held.
     template <class T>

@@ -12,20 +12,6 @@ namespace DataType {
 
 namespace {
 
-/// The server's error in place of the value: a single value of data type Error.
-void storeError(ValueContainer& container, BACNET_ERROR_CLASS errorClass, BACNET_ERROR_CODE errorCode) {
-    // The container has no way yet to take a constructed object as it is, so the error is
-    // handed over as its production, which it keeps under the Error data type.
-    uint8_t production[Error::MAX_ENCODED];
-    const int length = Error::encode(production, errorClass, errorCode);
-    const ValueContainer::DataPropertyInObject descriptor(BACNET_DT_ERROR, BACNET_APPLICATION_TAG_NULL,
-                                                          BACNET_DTS_SINGLE_VALUE, false, 4);
-    BACNET_ERROR_CLASS ignoredClass;
-    BACNET_ERROR_CODE ignoredCode;
-    DataErrorRef ignored(ignoredClass, ignoredCode);
-    container.decode(production, length, 0, descriptor, -1, ignored);
-}
-
 /// The node's decoded values, typed by the property's descriptor where the catalogue has one.
 void storeValues(ValueContainer& container, const BACNET_PROPERTY_REFERENCE& node,
                  BACNET_OBJECT_TYPE objectType) {
@@ -71,7 +57,8 @@ ReadAccessResult& ReadAccessResult::operator=(const BACnet_Read_Access_Data& rec
          node = node->next) {
         ValueContainer container;
         if (node->has_error) {
-            storeError(container, node->error_class, node->error_code);
+            // The server's error in place of the value.
+            container.setValue(Error(node->error_class, node->error_code));
         } else {
             storeValues(container, *node, record.object_type);
         }

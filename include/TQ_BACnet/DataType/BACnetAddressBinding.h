@@ -48,6 +48,8 @@ public:
     /// change the text.
     void getString2(std::string& out, bool) const;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_ADDRESS_BINDING; }
+    /// Walks the catalogue's definition of the type over the value's primitives.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     bool operator==(const BACnetAddressBinding& other) const {
         return _device == other._device && _address == other._address;

@@ -59,6 +59,12 @@ public:
     /// The pseudo primitives that stand for an opening or closing context tag in a decoded chain.
     DataApplicationValue getOpenTag(uint8_t tag) const;
     DataApplicationValue getCloseTag(uint8_t tag) const;
+
+protected:
+    /// Renders the value's primitives by walking its type's definition in the catalogue, so that
+    /// member names, optional members and enumeration names come from one place. False (and
+    /// the factory's last error set) when the primitives do not match the definition.
+    bool markupFromCatalogue(WS::MarkupFactory& factory, const std::string& name) const;
 };
 
 }  // namespace DataType

@@ -52,6 +52,10 @@ public:
     int decode(const uint8_t* apdu, unsigned length) override;
     int decodeContext(const uint8_t* apdu, unsigned length, uint8_t tag) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_DEVICE_OBJECT_PROPERTY_REFERENCE; }
+    /// One String "device;object-type,instance;property" (1234;analog-input,3;present-value).
+    void markupForAzure(WS::MarkupFactory& factory, const std::string& name) const;
+    /// Walks the catalogue's definition of the type over the value's primitives.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
     /// The members as context-tagged primitives in encoding order, appended to `out`; the
     /// primitive constructor reads them back.
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;

@@ -206,6 +206,11 @@ public:
     /// Date-time, " ", value and, with status flags, " status:" and their text.
     void getString(std::string& out) const override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_LOG_RECORD; }
+    /// [0] { date, time }, [1] { the datum by its choice }, [2] the status flags when present:
+    /// the chain a guided decode of the encoding gives, which the primitive constructor reads.
+    void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;
+    /// Walks the catalogue's definition of the type over the value's primitives.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     bool operator==(const BACnetLogRecord& other) const;
     bool operator!=(const BACnetLogRecord& other) const { return !(*this == other); }

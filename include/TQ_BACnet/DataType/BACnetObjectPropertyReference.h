@@ -58,6 +58,8 @@ public:
     int encode(uint8_t* apdu) const override;
     int decode(const uint8_t* apdu, unsigned length) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_OBJECT_PROPERTY_REFERENCE; }
+    /// Walks the catalogue's definition of the type over the value's primitives.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
     /// The members as context-tagged primitives in encoding order, appended to `out`; the
     /// primitive constructor reads them back.
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;

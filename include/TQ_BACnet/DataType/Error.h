@@ -58,6 +58,9 @@ public:
     void getString(std::string& out) const override;
     using DataError::getString;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_ERROR; }
+    /// An abort or reject reason as one Enumerated named after it; any other error as the Error
+    /// production walked through the catalogue (class and code by name).
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
 
     bool operator==(const Error& other) const { return DataError::operator==(other); }
     bool operator!=(const Error& other) const { return !(*this == other); }

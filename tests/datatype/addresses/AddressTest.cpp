@@ -420,7 +420,8 @@ TEST(ReadAccessResult, TypesEachResultOrKeepsTheServersError) {
     EXPECT_EQ(values[1].getPropertyIdentifier(), 4000u);
     EXPECT_EQ(values[1].getValue().getDataType(), TQ::BACnet::BACNET_DT_ERROR);
     EXPECT_EQ(values[1].getValue().getStructure(), TQ::BACnet::BACNET_DTS_SINGLE_VALUE);
-    EXPECT_EQ(encoded(values[1].getValue()), unknownProperty);
+    TQ::BACnet::DataType::Error error;
+    EXPECT_EQ(values[1].getValue().getValue(error), Error(ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY));
     EXPECT_EQ(values[2].getArrayIndex(), 3u);
     std::vector<DataApplicationValue> held;
     EXPECT_TRUE(values[2].getValue().getValues(held).empty());

@@ -39,6 +39,8 @@ public:
     /// The whole record between opening and closing tag `tag`.
     int decodeContext(const uint8_t* apdu, unsigned length, uint8_t tag) override;
     BACnetDataType getBACnetDataType() const override { return BACNET_DT_TREND_LOG_LAST_UPLOADED; }
+    /// Walks the catalogue's definition of the type over the value's primitives.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
     /// The reference's primitives, then the upload moment as application-tagged date and time.
     void getBACnetPrimitives(std::vector<DataApplicationValue>& out) const override;
 
