@@ -9,6 +9,9 @@ namespace Utility {
 class OctetBuffer;
 }
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 
 /// A BACnet error class and code by value. Reserved classes carry the other outcomes of a
 /// confirmed request: ABORT_CLASS (the code is the abort reason), REJECT_CLASS (the code is the
@@ -43,6 +46,11 @@ public:
     /// The BACnet Error production (class and code as application-tagged ENUMERATED) at byte
     /// `offset`; the buffer's size becomes offset plus the returned length.
     int encode(TQ::Utility::OctetBuffer& buffer, unsigned offset) const;
+    /// Renders the outcome for a web client: an abort or reject as its named reason (under
+    /// `abortName` or `rejectName`), an error as the catalogue's Error with named class and code
+    /// (under `errorName`).
+    void markup(WS::MarkupFactory& factory, const std::string& errorName, const std::string& abortName,
+                const std::string& rejectName, bool unused) const;
 
     bool operator==(const DataError& other) const {
         return _errorClass == other._errorClass && _errorCode == other._errorCode;

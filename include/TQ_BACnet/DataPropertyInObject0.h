@@ -9,6 +9,7 @@
 #include <Poco/Types.h>
 
 #include <cstdint>
+#include <string>
 
 namespace TQ {
 namespace Utility {
@@ -17,6 +18,9 @@ class OctetBuffer;
 namespace BACnet {
 namespace DataType {
 class ANY;
+}
+namespace WS {
+class MarkupFactory;
 }
 
 /// What one property of one object type holds: its data type, the application tag of its
@@ -56,6 +60,9 @@ public:
     /// The encoded descriptor as a value of its own constructed type, so it travels and renders
     /// like any other value.
     void getAsANY(DataType::ANY& out) const;
+    /// Renders the descriptor through its catalogue type, as `getAsANY` holds it.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker, bool root,
+                int level) const;
 
     /// The application tag of a data type's primitive form: a tag stands for itself, a few
     /// catalogue types are fixed, any other is read from the constructed-type catalogue.

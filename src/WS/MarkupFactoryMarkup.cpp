@@ -103,6 +103,7 @@ void MarkupFactory::markupNew(BaseType baseType, const std::string& name, const 
         }
     }
 
+    ++_markupCount;
     formatBefore(true);
     const int extra = descMarkup(baseType, name, value, flags, metadata);
     formatAfter();

@@ -64,6 +64,20 @@ public:
     void getString(std::string& out) const override;
     BACnetDataType getBACnetDataType() const override { return _descriptor.datatype; }
 
+    /// Renders through the catalogue's definition of the descriptor's data type.
+    void markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker) const override;
+    /// Decodes the bytes guided by the catalogue and walks the type's definition over them: a
+    /// single value as one markup, an array or list element by element under `name`. What does
+    /// not match is marked "truncated" (the factory's lastErrorCode tells why). 1 when the value
+    /// rendered whole, 0 when not (nothing rendered for bytes that do not decode).
+    int markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker, bool root,
+               int level) const;
+    /// Shows the value only in part: a single value as one complete markup of its type marked
+    /// truncated; an array or list with its first `maxElements` elements, then a truncated mark.
+    /// `comment` and `errorText`, when not empty, go along as metadata.
+    void markupTruncated(WS::MarkupFactory& factory, const std::string& name, bool root, int maxElements,
+                         const std::string& comment, const std::string& errorText) const;
+
     /// Decodes the bytes guided by the catalogue's members of the descriptor's data type; the
     /// decoder's result, or -202 when it succeeds without yielding a value.
     int getValueLength() const;

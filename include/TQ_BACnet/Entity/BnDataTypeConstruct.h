@@ -21,6 +21,9 @@ class EntityServer;
 }
 }  // namespace Utility
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 namespace Entity {
 
 /// How a data type is built (bn_datatype_construct): the type's top row, with the markup kind
@@ -105,6 +108,12 @@ public:
     static void deleteBdbct(BACnet_Datatype_By_Context_Tag** record);
 
     void printIt(int level) const;
+
+    /// Writes the definition as a type description: one markup of the type's kind named after
+    /// the type, holding its members (or, for an enumeration or bit string, its names).
+    void markup(WS::MarkupFactory& factory, unsigned int flags) const;
+    /// The members, each with its type and that type's own description.
+    void markupInternals(WS::MarkupFactory& factory) const;
 
     /// The members in sort order; empty for a primitive or enumerated type. Walked by the
     /// renderer and the JSON encoder.

@@ -17,6 +17,9 @@ class EntityServer;
 }
 }  // namespace Utility
 namespace BACnet {
+namespace WS {
+class MarkupFactory;
+}
 namespace Entity {
 
 /// The names of enumeration values and bit numbers (bn_datatype_enum), per construct row of
@@ -103,6 +106,13 @@ public:
                         TQ::Utility::Data::EntityServer* server = nullptr);
 
     void printIt() const;
+
+    /// This row as one complete Unsigned markup: its name, its value.
+    void markup(WS::MarkupFactory& factory, unsigned int level) const;
+    /// Every row of a construct; grouped under a NamedValues (or NamedBits) markup called `name`
+    /// when the factory shows the value or encoding categories.
+    static void markupAll(WS::MarkupFactory& factory, const std::string& name, unsigned int idConstruct,
+                          BASE_TYPE base, ORDER_BY order, unsigned int level);
 
 private:
     static unsigned int alias(unsigned int idConstruct) noexcept {

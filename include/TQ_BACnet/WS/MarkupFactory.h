@@ -249,6 +249,8 @@ public:
     }
     /// Entries on the open-markup stack, array markers included, and the markers alone.
     std::size_t getOpenMarkupCount() const { return _openMarkups.size(); }
+    /// Markups written so far (invalid base types not counted).
+    std::size_t getMarkupCount() const { return _markupCount; }
     int getArrayMarkerCount() const { return _arrayMarkers; }
     /// The stream writers print to (the compressing one when compressing).
     std::ostream& getStream() { return _out; }
@@ -306,6 +308,7 @@ private:
     /// Set while the run being walked is a chain of DataApplicationValue, whose values render
     /// as they are; values of the codec's own chain are copied first.
     bool _runOfApplicationValues = false;
+    std::size_t _markupCount = 0;
     /// Reused for every markup's metadata, so that rendering does not allocate per markup.
     std::vector<MetadataValue> _metadataScratch;
 
