@@ -28,7 +28,8 @@ const std::string kPriorityBody =
     R"({"1":{"null":""},"2":{"null":""},"3":{"null":""},"4":{"null":""},"5":{"null":""},"6":{"null":""},)"
     R"("7":{"null":""},"8":{"real":21.5},"9":{"null":""},"10":{"null":""},"11":{"null":""},"12":{"null":""},)"
     R"("13":{"null":""},"14":{"null":""},"15":{"null":""},"16":{"real":18}})";
-const DataPropertyInObject0 kReal(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL, BACNET_DTS_SINGLE_VALUE, true, 0);
+const DataPropertyInObject0 kReal(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL, BACNET_DTS_SINGLE_VALUE, true,
+                                  0);
 const DataPropertyInObject0 kPriorityArray(static_cast<BACnetDataType>(1064), BACNET_APPLICATION_TAG_NULL,
                                            BACNET_DTS_ARRAY, false, 0);
 
@@ -58,7 +59,8 @@ void warmCatalogueOnce() {
     TQ::Utility::Data::pDB = db.get();
     WS::UriParser::setLocalDevInstance(1234);
     TQ::Utility::OctetBuffer buffer(MAX_APDU);
-    if (!parsePath() || encodeBody(kReal, kRealBody, buffer) != 5 || encodeBody(kPriorityArray, kPriorityBody, buffer) != 24)
+    if (!parsePath() || encodeBody(kReal, kRealBody, buffer) != 5 ||
+        encodeBody(kPriorityArray, kPriorityBody, buffer) != 24)
         std::abort();
     TQ::Utility::Data::pDB = nullptr;
 }

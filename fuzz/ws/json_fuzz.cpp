@@ -22,9 +22,9 @@ struct Choice {
 // Primitives, enumerations and bits by name, arrays and lists, sequences with optional and
 // context members, choices, inline groups, sequences-of, and abstract-syntax values.
 const Choice CHOICES[] = {
-    {4, 4, 0},    {2, 2, 0},    {3, 3, 0},    {7, 7, 0},    {6, 6, 0},     {10, 10, 0},  {11, 11, 0},
-    {12, 12, 1},  {5038, 9, 0}, {5090, 8, 0}, {1064, 0, 1}, {1028, 0, 0},  {1084, 0, 0}, {1083, 0, 0},
-    {1264, 0, 0}, {1241, 0, 0}, {1000, 0, 0}, {1054, 0, 2}, {1288, 0, 0},  {7, 7, 2},    {2999, 0, 0},
+    {4, 4, 0},    {2, 2, 0},    {3, 3, 0},    {7, 7, 0},    {6, 6, 0},    {10, 10, 0},  {11, 11, 0},
+    {12, 12, 1},  {5038, 9, 0}, {5090, 8, 0}, {1064, 0, 1}, {1028, 0, 0}, {1084, 0, 0}, {1083, 0, 0},
+    {1264, 0, 0}, {1241, 0, 0}, {1000, 0, 0}, {1054, 0, 2}, {1288, 0, 0}, {7, 7, 2},    {2999, 0, 0},
 };
 constexpr std::size_t kChoices = sizeof(CHOICES) / sizeof(CHOICES[0]);
 constexpr uint8_t kGuard = 0x5A;
@@ -40,7 +40,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 1) return 0;
     const Choice& c = CHOICES[data[0] % kChoices];
-    const DataPropertyInObject0 descriptor(static_cast<BACnetDataType>(c.type), static_cast<BACNET_APPLICATION_TAG>(c.tag),
+    const DataPropertyInObject0 descriptor(static_cast<BACnetDataType>(c.type),
+                                           static_cast<BACNET_APPLICATION_TAG>(c.tag),
                                            static_cast<BACnetDataTypeStructure>(c.structure), true, 0);
     const std::string json(reinterpret_cast<const char*>(data + 1), size - 1);
     uint8_t storage[kOffset + MAX_APDU + 1];

@@ -42,8 +42,8 @@ void split(const std::string& text, char separator, std::vector<std::string>& pa
 }
 
 // The items the parser compares most, as strings: comparing them costs no strlen.
-const std::string kBlt = PI::PI_DOT_BLT, kBltd = PI::PI_DOT_BLTD, kBacnet = PI::PI_DOT_BACNET, kRoot = PI::PI_BACNETWS,
-                  kLocal = PI::PI_DOT_LOCAL, kDevice = PI::PI_DOT_DEVICE;
+const std::string kBlt = PI::PI_DOT_BLT, kBltd = PI::PI_DOT_BLTD, kBacnet = PI::PI_DOT_BACNET,
+                  kRoot = PI::PI_BACNETWS, kLocal = PI::PI_DOT_LOCAL, kDevice = PI::PI_DOT_DEVICE;
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -59,7 +59,8 @@ void percentDecode(const std::string& text, std::size_t first, std::size_t last,
         const std::size_t percent = std::min(text.find('%', i), last);
         out.append(text, i, percent - i);
         if (percent == last) break;
-        if (percent + 2 >= last) throw Poco::URISyntaxException("URI encoding: no hex digit following percent sign");
+        if (percent + 2 >= last)
+            throw Poco::URISyntaxException("URI encoding: no hex digit following percent sign");
         out += static_cast<char>(hexDigit(text[percent + 1]) << 4 | hexDigit(text[percent + 2]));
         i = percent + 3;
     }
@@ -78,7 +79,8 @@ std::string propertyName(BACNET_PROPERTY_ID property) {
 bool plainShows(const DotBACnetPathParams& params) {
     if (params.propertyId == DotBACnetPathParams::NO_PROPERTY_ID) return false;
     DataPropertyInObject0 d;
-    if (!DataPropertyInObject0::getValueTypeAndStructure(params.objectId.getObjectType(), params.propertyId, d, true))
+    if (!DataPropertyInObject0::getValueTypeAndStructure(params.objectId.getObjectType(), params.propertyId,
+                                                         d, true))
         return false;
     if (d.tag == BACNET_APPLICATION_TAG_NULL && d.datatype != BACNET_DT_NULL) return false;
     const bool alwaysOne = d.tag != BACNET_APPLICATION_TAG_NULL && d.datatype == WsSupport::kPriorityArray;
@@ -92,7 +94,8 @@ const char* depthReason(int option, int truncateDepth) {
         return "A zeror value for depth is meaningless, would cause no data returned. Remove parmeter or set "
                "higher value";
     if (truncateDepth != 65535 && truncateDepth > kMaxTruncateDepth)
-        return "Currently truncation can be done up to BACnet property level, but not deeper, either specify a "
+        return "Currently truncation can be done up to BACnet property level, but not deeper, either specify "
+               "a "
                "lower value or remove the parameter";
     return nullptr;
 }
@@ -115,7 +118,8 @@ UriParser::UriParser(const std::string& uri) : _text(uri) {
     _options.parseOptionsFromQuery(_uri->getQuery());
 }
 
-UriParser::UriParser(const Poco::URI& uri) : _text(uri.toString()), _path(uri.getPath()), _uri(new Poco::URI(uri)) {
+UriParser::UriParser(const Poco::URI& uri)
+    : _text(uri.toString()), _path(uri.getPath()), _uri(new Poco::URI(uri)) {
     _options.parseOptionsFromQuery(_uri->getQuery());
 }
 
@@ -131,7 +135,8 @@ bool UriParser::getAndValidatePath(DotBACnetPathParams& params, DataWsError& err
     return getAndValidatePath(items, params, error, _options);
 }
 
-bool UriParser::validateRequest(const std::string& uri, DotBACnetPathParams& params, DataWsError& error) noexcept {
+bool UriParser::validateRequest(const std::string& uri, DotBACnetPathParams& params,
+                                DataWsError& error) noexcept {
     try {
         UriParser parser(uri);
         return parser.getAndValidatePath(params, error);
@@ -156,18 +161,20 @@ bool UriParser::getAndValidatePath(const std::vector<std::string>& items, DotBAC
     return false;
 }
 
-bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathParams& params, DataWsError& error,
-                         MarkupOptions& options) {
+bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathParams& params,
+                         DataWsError& error, MarkupOptions& options) {
     const std::size_t count = items.size();
     if (!params.setService(options.serviceName)) {
         fail(error, DataWsError::WS_ERR_SERVICE_NOT_SUPPORTED,
-             "\"Invalid or not supported service ( parameter \"947-srv\") \"" + options.serviceName + "\" specified");
+             "\"Invalid or not supported service ( parameter \"947-srv\") \"" + options.serviceName +
+                 "\" specified");
         return false;
     }
 
     const std::string& tree = items[kItemTree];
     if (tree == kBlt || tree == kBltd) {
-        std::vector<std::string> expanded{PI::PI_BACNETWS, PI::PI_DOT_BACNET, PI::PI_DOT_LOCAL, PI::PI_DOT_THIS};
+        std::vector<std::string> expanded{PI::PI_BACNETWS, PI::PI_DOT_BACNET, PI::PI_DOT_LOCAL,
+                                          PI::PI_DOT_THIS};
         if (tree == kBltd) expanded.emplace_back(PI::PI_DOT_DEVICE);
         expanded.insert(expanded.end(), items.begin() + kItemScope, items.end());
         return getAndValidatePath(expanded, params, error, options);
@@ -182,7 +189,8 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
         uint32_t network = 0;
         if (scope != kLocal &&
             (PathNumber::read(scope, network) != PathNumber::Result::Ok || network > kMaxNetwork)) {
-            fail(error, DataWsError::WS_ERR_PATH_SYNTAX, "Addressing scope as " + quoted(scope) + " is invalid");
+            fail(error, DataWsError::WS_ERR_PATH_SYNTAX,
+                 "Addressing scope as " + quoted(scope) + " is invalid");
             return false;
         }
         params.scope = scope;
@@ -202,7 +210,8 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
         } else if (parts.size() == 1 && parts[0] == kDevice) {
             params.objectId = DataType::ObjectIdentifier(OBJECT_DEVICE, params.deviceInstance);
         } else {
-            fail(error, DataWsError::WS_ERR_PATH_SYNTAX, "object-identifier as " + quoted(object) + " is invalid syntax");
+            fail(error, DataWsError::WS_ERR_PATH_SYNTAX,
+                 "object-identifier as " + quoted(object) + " is invalid syntax");
             return false;
         }
     }
@@ -232,12 +241,13 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
         if (PathNumber::read(index, params.arrayIndex) != PathNumber::Result::Ok ||
             params.arrayIndex == DotBACnetPathParams::NO_ARRAY_INDEX) {
             params.arrayIndex = DotBACnetPathParams::NO_ARRAY_INDEX;
-            fail(error, DataWsError::WS_ERR_PATH_SYNTAX, "array index " + quoted(index) + " is not a positive integer");
+            fail(error, DataWsError::WS_ERR_PATH_SYNTAX,
+                 "array index " + quoted(index) + " is not a positive integer");
             return false;
         }
         DataPropertyInObject0 d;
-        const bool known =
-            DataPropertyInObject0::getValueTypeAndStructure(params.objectId.getObjectType(), params.propertyId, d, true);
+        const bool known = DataPropertyInObject0::getValueTypeAndStructure(params.objectId.getObjectType(),
+                                                                           params.propertyId, d, true);
         if (!known || d.datatype == WsSupport::kPriorityArray || d.structure == BACNET_DTS_ARRAY) {
             if (count > kItemBeyond) {
                 fail(error, DataWsError::WS_ERR_PATH_NOT_FOUND,
@@ -246,14 +256,15 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
             }
         } else {
             fail(error, DataWsError::WS_ERR_PATH_NOT_FOUND,
-                 "property " + quoted(propertyName(params.propertyId)) + " is not an array, therefore array index " +
-                     quoted(index) + " is not permitted");
+                 "property " + quoted(propertyName(params.propertyId)) +
+                     " is not an array, therefore array index " + quoted(index) + " is not permitted");
             return false;
         }
     }
 
     if (options.alt == MarkupOptions::ALT_PLAIN && !plainShows(params)) {
-        fail(error, DataWsError::WS_ERR_NOT_REPRESENTABLE, "result can not be represented in \"plain\" format");
+        fail(error, DataWsError::WS_ERR_NOT_REPRESENTABLE,
+             "result can not be represented in \"plain\" format");
         return false;
     }
 

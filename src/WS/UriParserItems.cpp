@@ -71,7 +71,8 @@ BACNET_OBJECT_TYPE UriParser::getObjType(std::string item, DataWsError& error) {
     uint32_t number = 0;
     const PathNumber::Result read = PathNumber::read(item, number);
     if (read != PathNumber::Result::NotNumber) {
-        if (read == PathNumber::Result::Ok && number < kObjectTypeLimit) return static_cast<BACNET_OBJECT_TYPE>(number);
+        if (read == PathNumber::Result::Ok && number < kObjectTypeLimit)
+            return static_cast<BACNET_OBJECT_TYPE>(number);
         const std::string text = "object-type as number " + item + " is out of range";
         fail(error, DataWsError::WS_ERR_RANGE, text);
         throw Poco::RangeException(text);
@@ -114,7 +115,8 @@ BACNET_PROPERTY_ID UriParser::getPropIdentifier(const std::string& item, DataWsE
     if (!startsWithDigit(item) && propertyIndex(item, property)) return property;
     uint32_t number = 0;
     const PathNumber::Result read = PathNumber::read(item, number);
-    if (read == PathNumber::Result::Ok && number < kPropertyLimit) return static_cast<BACNET_PROPERTY_ID>(number);
+    if (read == PathNumber::Result::Ok && number < kPropertyLimit)
+        return static_cast<BACNET_PROPERTY_ID>(number);
     if (read != PathNumber::Result::NotNumber) {
         const std::string text = "property-id \"" + item + "\" is out of range";
         fail(error, DataWsError::WS_ERR_RANGE, text);

@@ -46,7 +46,8 @@ public:
                                    DataWsError& error, MarkupOptions& options);
     /// URI to parameters in one call that never throws: a malformed URI or option is a
     /// web-service error (code 3) too.
-    static bool validateRequest(const std::string& uri, DotBACnetPathParams& params, DataWsError& error) noexcept;
+    static bool validateRequest(const std::string& uri, DotBACnetPathParams& params,
+                                DataWsError& error) noexcept;
 
     /// Item converters: each sets the error and throws on a bad item.
     static BACNET_OBJECT_TYPE getObjType(std::string item, DataWsError& error);
@@ -64,8 +65,8 @@ public:
     MarkupOptions& getOptions() { return _options; }
 
 private:
-    static bool validate(const std::vector<std::string>& items, DotBACnetPathParams& params, DataWsError& error,
-                         MarkupOptions& options);
+    static bool validate(const std::vector<std::string>& items, DotBACnetPathParams& params,
+                         DataWsError& error, MarkupOptions& options);
 
     std::string _text;
     std::string _path;
