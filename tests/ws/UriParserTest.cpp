@@ -73,7 +73,7 @@ TEST_F(UriParserTest, AcceptedPathsResolveEveryItem) {
          "/.bacnet/.local/1/analog-value,1", RPM},
         {"/bacnetws/.bacnet/.local/1/analog-value,1/present-value?alt=plain&depth=-1", RP, SD::HM_READ,
          "/.bacnet/.local/1/analog-value,1/present-value", RP},
-        {"/bacnetws/.bacnet/.local/1/device,1/object-list/0?alt=plain&unknown=1&alt=plain", RP, SD::HM_READ,
+        {"/bacnetws/.bacnet/.local/1/device,1/object-list/0?alt=json&unknown=1&depth=&alt=plain", RP, SD::HM_READ,
          "/.bacnet/.local/1/device,1/object-list/0", RP},
     };
     for (const Case& c : cases) {
@@ -163,6 +163,7 @@ TEST_F(UriParserTest, RejectionsCarryCodeAndExactMessage) {
         {av + "present-value?947-srv=write-property", RPM, 8,
          "\"Invalid or not supported service ( parameter \"947-srv\") \"write-property\" specified"},
         {av + "present-value?depth=abc", RPM, 3, "Syntax error"},
+        {av + "present-value?depth=2147483648", RPM, 3, "Syntax error"},
         {"/bacnetws/.bacnet/%zz", RPM, 3, "Bad URI syntax"},
     };
     for (const Case& c : cases) {
