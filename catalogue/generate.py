@@ -17,7 +17,7 @@ import sys
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
-from gen import asn, defs, objects, sql  # noqa: E402
+from gen import asn, cpp, defs, objects, sql  # noqa: E402
 from gen.errors import SourceError  # noqa: E402
 from gen.model import Builder, ws_productions  # noqa: E402
 
@@ -71,7 +71,7 @@ def render(builder):
     content = [sql.HEADER]
     for table in TABLE_ORDER:
         content.append(sql.inserts(table, builder.tables[table]))
-    return {"schema.sql": sql.schema(), "content.sql": "".join(content)}
+    return {"schema.sql": sql.schema(), "content.sql": "".join(content), cpp.HEADER_NAME: cpp.header(builder)}
 
 
 def pin(builder, numbers_path):
@@ -138,6 +138,7 @@ def main(argv=None):
         return 1 if stale else 0
     os.makedirs(args.output, exist_ok=True)
     for name, text in outputs.items():
+        os.makedirs(os.path.dirname(os.path.join(args.output, name)), exist_ok=True)
         with open(os.path.join(args.output, name), "w", encoding="utf-8", newline="\n") as handle:
             handle.write(text)
     if args.pin:

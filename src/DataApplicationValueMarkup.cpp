@@ -1,19 +1,27 @@
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/WS/MarkupFactory.h"
 
+#include <Poco/Exception.h>
+
 namespace TQ {
 namespace BACnet {
 
 void DataApplicationValue::markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
-                                  BACnetDataType dataType, bool root, int level, bool bitsAsBooleans) const {
+                                  BACnetDataType dataType, bool root, int /*level*/,
+                                  bool bitsAsBooleans) const {
     bool ok = false;
-    // Unescaped: the writer escapes the value itself, so escaping here too would show "&amp;lt;".
-    std::string text = getText(factory.getUseNames(), dataType, &ok, nullptr, bitsAsBooleans);
+    std::string text;
+    try {
+        // Unescaped: the writer escapes the value itself, so escaping here too would show "&amp;lt;".
+        text = getText(factory.getUseNames(), dataType, &ok, nullptr, bitsAsBooleans);
+    } catch (const Poco::Exception&) {
+        ok = false;  // a value off the wire that has no text (a date out of range) still renders
+    }
     if (!ok) text = "???";
     const auto baseType =
         static_cast<WS::MarkupFactory::BaseType>(isNull() ? 0u : static_cast<unsigned>(tag));
-    factory.markup(baseType, name, text, true, arrayMarker, dataType, root, "", 0, "", "", "", false, "", "",
-                   getContextTagAsString(), "", "", "", false, level);
+    // The general entry's other arguments are all empty for a primitive: the lean one will do.
+    factory.markupValue(baseType, name, text, arrayMarker, root, getContextTagAsString());
 }
 
 }  // namespace BACnet

@@ -1,5 +1,6 @@
 // Text, variant and tag conversions of DataApplicationValue.
 #include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/Utility/FloatText.h"
 
 #include "TQ/Utility/ConvertIt.h"
 #include "TQ_BACnet/DataErrorRef.h"
@@ -169,8 +170,12 @@ std::string DataApplicationValue::getText(bool useNames, BACnetDataType dataType
             return HostConvert::setUInt(type.Unsigned_Int);
         case BACNET_APPLICATION_TAG_SIGNED_INT:
             return HostConvert::setInt(type.Signed_Int);
-        case BACNET_APPLICATION_TAG_REAL:
-            return HostConvert::setReal(type.Real, -1, false);
+        case BACNET_APPLICATION_TAG_REAL: {
+            // Shortest text that reads back as the same float (0.1f is "0.1", not the digits of
+            // the double it widens to); no locale, no stream.
+            char text[Utility::kFloatTextMax];
+            return std::string(text, Utility::floatText(type.Real, text));
+        }
         case BACNET_APPLICATION_TAG_DOUBLE:
             return HostConvert::setReal(type.Double, -1, false);
         case BACNET_APPLICATION_TAG_OCTET_STRING:

@@ -4,6 +4,7 @@
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/DataWriteProperty.h"
+#include "TQ_BACnet/Utility/FloatText.h"
 
 #include <Poco/StringTokenizer.h>
 
@@ -74,10 +75,25 @@ std::string& ValueContainer::getText(std::string& out, bool useNames) const {
         }
         out.clear();
         const auto& values = held<std::vector<DataApplicationValue>>();
+        // REALs, the commonest arrays, are written into a local buffer that is appended in
+        // pieces: no string per value.
+        char buffer[512];
+        char* p = buffer;
         for (size_t i = 0; i < values.size(); ++i) {
-            if (i) out += VALUE_SEPARATOR;
-            out += textOf(values[i]);
+            if (p + Utility::kFloatTextMax + 1 > buffer + sizeof buffer) {
+                out.append(buffer, static_cast<size_t>(p - buffer));
+                p = buffer;
+            }
+            if (i) *p++ = VALUE_SEPARATOR;
+            if (values[i].getTag() == BACNET_APPLICATION_TAG_REAL && !values[i].isNull()) {
+                p = Utility::floatText(values[i].type.Real, p);
+            } else {
+                out.append(buffer, static_cast<size_t>(p - buffer));
+                p = buffer;
+                out += textOf(values[i]);
+            }
         }
+        out.append(buffer, static_cast<size_t>(p - buffer));
         return out;
     }
     TQ::Utility::OctetBuffer bytes;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TQ_Catalogue/Types.h"
+
 #include <cstdint>
 
 namespace TQ {
@@ -7,7 +9,8 @@ namespace BACnet {
 
 /// The gateway's number of a data type, the key of bn_datatype. Values 0 to 15 are the
 /// application tags; everything above BACNET_DT_MAX_APPLICATION_TAG is a catalogue type. The
-/// numbers named here are the ones the library itself relies on; they must match the catalogue.
+/// numbers named here are the ones the library itself relies on; the catalogue's generated
+/// numbers give them.
 enum BACnetDataType : uint32_t {
     BACNET_DT_NULL = 0,
     BACNET_DT_BOOLEAN = 1,
@@ -27,46 +30,48 @@ enum BACnetDataType : uint32_t {
     BACNET_DT_RESERVE3 = 15,
     BACNET_DT_MAX_APPLICATION_TAG = 16,
 
-    BACNET_DT_ANY = 1000,  ///< ABSTRACT-SYNTAX.&Type: the type is only known at run time
+    BACNET_DT_ANY = Catalogue::DataType::ABSTRACT_SYNTAX__Type,  ///< ABSTRACT-SYNTAX.&Type: the type is only
+                                                                 ///< known at run time
 
     // Catalogue types whose primitive form is Unsigned, Signed, Date or Time.
-    BACNET_DT_UNSIGNED_1006 = 1006,
-    BACNET_DT_UNSIGNED_1085 = 1085,
-    BACNET_DT_UNSIGNED_1086 = 1086,
-    BACNET_DT_UNSIGNED_1087 = 1087,
-    BACNET_DT_UNSIGNED_1088 = 1088,
-    BACNET_DT_UNSIGNED_1176 = 1176,
-    BACNET_DT_SIGNED_1113 = 1113,
-    BACNET_DT_SIGNED_1178 = 1178,
-    BACNET_DT_DATE_1179 = 1179,
-    BACNET_DT_TIME_1180 = 1180,
+    BACNET_DT_UNSIGNED_1006 = Catalogue::DataType::BACnetAccessThreatLevel,
+    BACNET_DT_UNSIGNED_1085 = Catalogue::DataType::Unsigned8,
+    BACNET_DT_UNSIGNED_1086 = Catalogue::DataType::Unsigned16,
+    BACNET_DT_UNSIGNED_1087 = Catalogue::DataType::Unsigned32,
+    BACNET_DT_UNSIGNED_1088 = Catalogue::DataType::Unsigned64,
+    BACNET_DT_UNSIGNED_1176 = Catalogue::DataType::BACnetArrayIndex,
+    BACNET_DT_SIGNED_1113 = Catalogue::DataType::Integer16,
+    BACNET_DT_SIGNED_1178 = Catalogue::DataType::Integer32,
+    BACNET_DT_DATE_1179 = Catalogue::DataType::DatePattern,
+    BACNET_DT_TIME_1180 = Catalogue::DataType::TimePattern,
 
-    BACNET_DT_ADDRESS_BINDING = 1011,
-    BACNET_DT_DATE_TIME = 1026,
-    BACNET_DT_DEVICE_OBJECT_PROPERTY_REFERENCE = 1028,
-    BACNET_DT_DEVICE_OBJECT_REFERENCE = 1029,
-    BACNET_DT_LOG_MULTIPLE_RECORD = 1053,
-    BACNET_DT_LOG_RECORD = 1054,
-    BACNET_DT_OBJECT_PROPERTY_REFERENCE = 1060,
-    BACNET_DT_RECIPIENT = 1070,
-    BACNET_DT_READ_ACCESS_RESULT = 1083,
-    BACNET_DT_READ_ACCESS_SPECIFICATION = 1084,
-    BACNET_DT_OBJECT_TYPE = 1100,
-    BACNET_DT_ADDRESS = 1105,
-    BACNET_DT_PROPERTY_REFERENCE = 1127,
-    BACNET_DT_PROPERTY_VALUE = 1129,
-    BACNET_DT_ERROR = 1136,
-    BACNET_DT_ABORT_REASON = 1148,
-    BACNET_DT_REJECT_REASON = 1149,
+    BACNET_DT_ADDRESS_BINDING = Catalogue::DataType::BACnetAddressBinding,
+    BACNET_DT_DATE_TIME = Catalogue::DataType::BACnetDateTime,
+    BACNET_DT_DEVICE_OBJECT_PROPERTY_REFERENCE = Catalogue::DataType::BACnetDeviceObjectPropertyReference,
+    BACNET_DT_DEVICE_OBJECT_REFERENCE = Catalogue::DataType::BACnetDeviceObjectReference,
+    BACNET_DT_LOG_MULTIPLE_RECORD = Catalogue::DataType::BACnetLogMultipleRecord,
+    BACNET_DT_LOG_RECORD = Catalogue::DataType::BACnetLogRecord,
+    BACNET_DT_OBJECT_PROPERTY_REFERENCE = Catalogue::DataType::BACnetObjectPropertyReference,
+    BACNET_DT_RECIPIENT = Catalogue::DataType::BACnetRecipient,
+    BACNET_DT_READ_ACCESS_RESULT = Catalogue::DataType::ReadAccessResult,
+    BACNET_DT_READ_ACCESS_SPECIFICATION = Catalogue::DataType::ReadAccessSpecification,
+    BACNET_DT_OBJECT_TYPE = Catalogue::DataType::BACnetObjectType,
+    BACNET_DT_ADDRESS = Catalogue::DataType::BACnetAddress,
+    BACNET_DT_PROPERTY_REFERENCE = Catalogue::DataType::BACnetPropertyReference,
+    BACNET_DT_PROPERTY_VALUE = Catalogue::DataType::BACnetPropertyValue,
+    BACNET_DT_ERROR = Catalogue::DataType::Error,
+    BACNET_DT_ABORT_REASON = Catalogue::DataType::BACnetAbortReason,
+    BACNET_DT_REJECT_REASON = Catalogue::DataType::BACnetRejectReason,
 
     BACNET_DT_NOT_FOUND = 1999,  ///< result of a failed lookup by name
     BACNET_DT_UNKNOWN = 2000,    ///< a property or member for which no data type is known
 
     BACNET_DT_PROPRIETARY_MIN = 3000,  ///< 3000..3999: proprietary types of vendor 947
-    BACNET_DT_TREND_LOG_LAST_UPLOADED = 3513,
+    BACNET_DT_TREND_LOG_LAST_UPLOADED = Catalogue::DataType::ProprietaryBACnetTrendLogLastUploaded,
     BACNET_DT_PROPRIETARY_MAX = 3999,
 
-    BACNET_DT_PROPERTY_DESCRIPTOR = 10000  ///< DataPropertyInObject0 itself as a constructed type
+    BACNET_DT_PROPERTY_DESCRIPTOR =
+        Catalogue::DataType::DataPropertyInObject  ///< DataPropertyInObject0 itself as a constructed type
 };
 
 /// How the values of a property are arranged. Everything but a single value is held as a vector;

@@ -18,7 +18,7 @@ using WS::MarkupFactory;
 
 namespace {
 
-constexpr BACnetDataType kPriorityArray = static_cast<BACnetDataType>(1064);
+constexpr auto kPriorityArray = static_cast<BACnetDataType>(TQ::Catalogue::DataType::BACnetPriorityArray);
 
 // The held bytes decoded into the codec's chain of values, guided by the catalogue; released
 // with the object.
@@ -26,8 +26,8 @@ class DecodedRun {
 public:
     DecodedRun(const uint8_t* bytes, unsigned length, BACnetDataType type, const ANY::PropertyRef& ref) {
         std::memset(&_data, 0, sizeof _data);
-        if (bytes == nullptr || length == 0) return;
         init_bacnet_datatype_by_context_tag(_guide, static_cast<int>(type));
+        if (bytes == nullptr || length == 0) return;
         try {
             _ok = bacapp_fully_decode_value(
                       bytes, length, OBJECT_DEVICE, 0, ref.property, static_cast<uint32_t>(ref.arrayIndex),

@@ -2,20 +2,20 @@
 
 #include <Poco/NumberParser.h>
 
+#include <array>
+
 namespace TQ {
 namespace BACnet {
 namespace WS {
 
-// clang-format off
-const std::string MarkupFactory::_bts[BT_MAX] = {
-    "Null", "Boolean", "Unsigned", "Integer", "Real", "Double",                          //  0
-    "OctetString", "String", "BitString", "Enumerated", "Date", "Time",                  //  6
-    "ObjectIdentifier", "DatePattern", "DateTime", "DateTimePattern", "TimePattern",     // 12
-    "StringSet", "Object", "Interface", "Composition", "List", "Sequence",               // 17
-    "Array", "SequenceOf", "Choice", "Any", "Link", "Collection", "Tag",                 // 23
-    "ObjectIdentifierPattern", "WeekNDay", "NamedValues", "MemberTypeDefinition",        // 30
-    "Choices", "NamedBits", "Bit", "Composition"};                                       // 34
-// clang-format on
+static_assert(TQ::Catalogue::Markup::Count == MarkupFactory::BT_MAX, "one name per markup kind");
+
+// The names the catalogue gives the markup kinds, made once.
+const std::array<std::string, MarkupFactory::BT_MAX> MarkupFactory::_bts = [] {
+    std::array<std::string, BT_MAX> names;
+    for (unsigned int i = 0; i < BT_MAX; ++i) names[i] = TQ::Catalogue::Markup::Names[i];
+    return names;
+}();
 
 namespace {
 

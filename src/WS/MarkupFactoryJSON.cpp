@@ -20,26 +20,23 @@ void MarkupFactoryJSON::reset() {
 }
 
 void MarkupFactoryJSON::embeddStart() {
-    _out.put('{');
+    write('{');
 }
 
 void MarkupFactoryJSON::embeddEnd() {
-    _out.put('}');
+    write('}');
 }
 
 void MarkupFactoryJSON::append(const std::string& text) {
-    if (!_first) _out.put(',');
+    if (!_first) write(',');
     _first = false;
-    _out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    write(text);
 }
 
 void MarkupFactoryJSON::writeString(const std::string& text) {
-    std::string quoted;
-    quoted.reserve(text.size() + 2);
-    quoted += '"';
-    MarkupText::appendJson(quoted, text);
-    quoted += '"';
-    _out.write(quoted.data(), static_cast<std::streamsize>(quoted.size()));
+    _line += '"';
+    MarkupText::appendJson(_line, text);
+    _line += '"';
 }
 
 // Boolean to Double are bare numbers; everything else, and a number whose text is no JSON
@@ -48,7 +45,7 @@ void MarkupFactoryJSON::writeValue(BaseType baseType, const std::string& value, 
     const bool bare = baseType >= BT_BOOLEAN && baseType <= BT_DOUBLE && !(flags & MF_QUOTE) &&
                       MarkupText::isJsonScalar(value);
     if (bare)
-        _out.write(value.data(), static_cast<std::streamsize>(value.size()));
+        _line += value;
     else
         writeString(value);
 }
@@ -59,9 +56,9 @@ void MarkupFactoryJSON::writeMetadata(const std::vector<MetadataValue>& metadata
         if (item.getMetadata() == Metadata::METADATA_TYPE && !isVendorType(item.getValue())) continue;
         const std::string member = item.getName(",\"$", "\":");
         if (member.empty()) continue;
-        _out.write(member.data(), static_cast<std::streamsize>(member.size()));
+        _line += member;
         if (!(flags & MF_QUOTE) && MarkupText::isJsonScalar(item.getValue()))
-            _out.write(item.getValue().data(), static_cast<std::streamsize>(item.getValue().size()));
+            _line += item.getValue();
         else
             writeString(item.getValue());
     }
@@ -74,15 +71,16 @@ int MarkupFactoryJSON::descMarkup(BaseType baseType, const std::string& name, co
     const bool visible = shouldValueBeVisibleForBaseType(baseType);
     const bool showValue = visible && !((flags & MF_OMIT_EMPTY) && value.empty());
 
-    if (!_first) _out.put(',');
+    _line.clear();
+    if (!_first) _line += ',';
     _first = false;
 
     if (_metadata.getCategories() == 0) {
         if (root) {
-            _out.put('{');
+            _line += '{';
             _first = true;
             if (showValue) {
-                _out.write("\"$value\":", 9);
+                _line += "\"$value\":";
                 writeValue(baseType, value, flags);
                 _first = false;
             }
@@ -90,55 +88,63 @@ int MarkupFactoryJSON::descMarkup(BaseType baseType, const std::string& name, co
             // Inside an object every member needs a key: an unnamed one is keyed by its base type,
             // as in the expanded form.
             writeString(name.empty() ? "$" + getBaseTypeName(baseType) : name);
-            _out.put(':');
+            _line += ':';
             if (!visible || !complete) {
                 // Children follow: a value of its own goes first, as in a root.
-                _out.put('{');
+                _line += '{';
                 _first = true;
                 if (visible && showValue) {
-                    _out.write("\"$value\":", 9);
+                    _line += "\"$value\":";
                     writeValue(baseType, value, flags);
                     _first = false;
                 }
             } else if (showValue) {
                 writeValue(baseType, value, flags);
             } else {
-                _out.write("null", 4);  // the value left out; the member stays valid JSON
+                _line += "null";  // the value left out; the member stays valid JSON
             }
         }
         // A complete root or constructed markup closes the object it opened.
         if (complete && (root || !visible)) {
-            _out.put('}');
+            _line += '}';
             _first = false;
         }
+        flushLine();
         return 0;
     }
 
     if (root) {
-        _out.put('{');
+        _line += '{';
     } else if (!name.empty()) {
         writeString(name);
-        _out.write(":{", 2);
+        _line += ":{";
     } else {
-        std::string member = "\"$" + getBaseTypeName(baseType) + "\":{";
-        _out.write(member.data(), static_cast<std::streamsize>(member.size()));
+        _line += "\"$";
+        _line += getBaseTypeName(baseType);
+        _line += "\":{";
     }
-    std::string base = "\"$base\":\"" + getBaseTypeName(baseType) + "\"";
-    _out.write(base.data(), static_cast<std::streamsize>(base.size()));
+    _line += "\"$base\":\"";
+    _line += getBaseTypeName(baseType);
+    _line += '"';
     if (!name.empty()) {
         if (showValue) {
-            _out.write(",\"$value\":", 10);
+            _line += ",\"$value\":";
             writeValue(baseType, value, flags);
         }
         if (metadata != nullptr) writeMetadata(*metadata, flags);
     }
-    if (complete) _out.put('}');
+    if (complete) _line += '}';
+    flushLine();
     return 0;
+}
+
+void MarkupFactoryJSON::flushLine() {
+    write(_line);
 }
 
 void MarkupFactoryJSON::descCloseOpenMarkup(const std::string&, bool arrayMarker) {
     if (arrayMarker) return;
-    _out.put('}');
+    write('}');
     _first = false;
 }
 

@@ -59,6 +59,21 @@ void MarkupFactory::markup(BaseType baseType, const std::string& name, const std
     markupNew(baseType, name, value, flags, metadata.empty() ? nullptr : &metadata);
 }
 
+void MarkupFactory::markupValue(BaseType baseType, const std::string& name, const std::string& value,
+                                bool arrayMarker, bool root, const std::string& contextTag) {
+    unsigned int flags = MF_COMPLETE;
+    if (arrayMarker) flags |= MF_ARRAY;
+    if (root) flags |= MF_ROOT;
+    if (_quoteValues) flags |= MF_QUOTE;
+    if (contextTag.empty()) {
+        markupNew(baseType, name, value, flags, nullptr);
+        return;
+    }
+    _metadataScratch.clear();
+    _metadataScratch.emplace_back(Metadata::METADATA_CONTEXT_TAG, contextTag);
+    markupNew(baseType, name, value, flags, &_metadataScratch);
+}
+
 void MarkupFactory::markup(BaseType baseType, BACNET_PROPERTY_ID propertyId, const std::string& value,
                            bool complete, bool arrayMarker, BACnetDataType dataType, bool root,
                            const std::string& comment, int error, const std::string& errorText,

@@ -5,13 +5,13 @@ namespace BACnet {
 namespace WS {
 
 void MarkupFactoryPLAIN::append(const std::string& text) {
-    _out.put(',');
-    _out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    write(',');
+    write(text);
 }
 
 int MarkupFactoryPLAIN::descMarkup(BaseType, const std::string&, const std::string& value, unsigned int,
                                    const std::vector<MetadataValue>*) {
-    _out.write(value.data(), static_cast<std::streamsize>(value.size()));
+    write(value);
     return 0;
 }
 

@@ -17,7 +17,7 @@ bool isVendorType(const std::string& text) {
 }  // namespace
 
 void MarkupFactoryXML::append(const std::string& text) {
-    _out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    write(text);
 }
 
 void MarkupFactoryXML::descHeader() {
@@ -26,8 +26,8 @@ void MarkupFactoryXML::descHeader() {
 
 int MarkupFactoryXML::descMarkup(BaseType baseType, const std::string& name, const std::string& value,
                                  unsigned int flags, const std::vector<MetadataValue>* metadata) {
-    std::string element;
-    element.reserve(32 + name.size() + value.size());
+    std::string& element = _line;
+    element.clear();
     element += '<';
     element += getBaseTypeName(baseType);
     if (!name.empty()) {
@@ -65,8 +65,8 @@ int MarkupFactoryXML::descMarkup(BaseType baseType, const std::string& name, con
 
 void MarkupFactoryXML::descCloseOpenMarkup(const std::string& baseTypeName, bool arrayMarker) {
     if (arrayMarker) return;
-    std::string tag;
-    tag.reserve(3 + baseTypeName.size());
+    std::string& tag = _line;
+    tag.clear();
     tag += "</";
     tag += baseTypeName;
     tag += '>';

@@ -155,7 +155,8 @@ void appendJson(std::string& out, const std::string& text) {
 }
 
 bool isJsonScalar(const std::string& text) {
-    if (text == "true" || text == "false") return true;
+    if (text.size() == 4 && text.compare(0, 4, "true", 4) == 0) return true;
+    if (text.size() == 5 && text.compare(0, 5, "false", 5) == 0) return true;
     std::size_t i = 0;
     const std::size_t n = text.size();
     const auto digit = [&](std::size_t k) { return k < n && text[k] >= '0' && text[k] <= '9'; };

@@ -4,6 +4,7 @@
 #include "TQ_BACnet/Entity/BnDataTypeConstruct.h"
 #include "TQ_BACnet/WS/Metadata.h"
 #include "TQ_BACnet/WS/MetadataValue.h"
+#include "TQ_Catalogue/Types.h"
 
 #include "tq_stack/enums.h"
 
@@ -12,6 +13,7 @@
 #include <Poco/Mutex.h>
 #include <Poco/Nullable.h>
 
+#include <array>
 #include <deque>
 #include <memory>
 #include <ostream>
@@ -34,47 +36,48 @@ namespace WS {
 class MarkupFactory {
 public:
     /// The kind of a markup; 0..12 are the BACnet application tags, so a primitive's tag is
-    /// used as its base type directly. BT_MAX and above are invalid and never written.
+    /// used as its base type directly. BT_MAX and above are invalid and never written. The
+    /// numbers are the catalogue's markup kinds.
     enum BaseType : unsigned int {
-        BT_NULL = 0,
-        BT_BOOLEAN = 1,
-        BT_UNSIGNED = 2,
-        BT_INTEGER = 3,
-        BT_REAL = 4,
-        BT_DOUBLE = 5,
-        BT_OCTET_STRING = 6,
-        BT_STRING = 7,
-        BT_BIT_STRING = 8,
-        BT_ENUMERATED = 9,
-        BT_DATE = 10,
-        BT_TIME = 11,
-        BT_OBJECT_IDENTIFIER = 12,
-        BT_DATE_PATTERN = 13,
-        BT_DATE_TIME = 14,
-        BT_DATE_TIME_PATTERN = 15,
-        BT_TIME_PATTERN = 16,
-        BT_STRING_SET = 17,
-        BT_OBJECT = 18,
-        BT_INTERFACE = 19,
-        BT_COMPOSITION = 20,
-        BT_LIST = 21,
-        BT_SEQUENCE = 22,
-        BT_ARRAY = 23,
-        BT_SEQUENCE_OF = 24,
-        BT_CHOICE = 25,
-        BT_ANY = 26,
-        BT_LINK = 27,
-        BT_COLLECTION = 28,
-        BT_TAG = 29,
-        BT_OBJECT_IDENTIFIER_PATTERN = 30,
-        BT_WEEK_N_DAY = 31,
-        BT_NAMED_VALUES = 32,
-        BT_MEMBER_TYPE_DEFINITION = 33,
-        BT_CHOICES = 34,
-        BT_NAMED_BITS = 35,
-        BT_BIT = 36,
-        BT_COMPOSITION_2 = 37,
-        BT_MAX = 38
+        BT_NULL = Catalogue::Markup::Null,
+        BT_BOOLEAN = Catalogue::Markup::Boolean,
+        BT_UNSIGNED = Catalogue::Markup::Unsigned,
+        BT_INTEGER = Catalogue::Markup::Integer,
+        BT_REAL = Catalogue::Markup::Real,
+        BT_DOUBLE = Catalogue::Markup::Double,
+        BT_OCTET_STRING = Catalogue::Markup::OctetString,
+        BT_STRING = Catalogue::Markup::String,
+        BT_BIT_STRING = Catalogue::Markup::BitString,
+        BT_ENUMERATED = Catalogue::Markup::Enumerated,
+        BT_DATE = Catalogue::Markup::Date,
+        BT_TIME = Catalogue::Markup::Time,
+        BT_OBJECT_IDENTIFIER = Catalogue::Markup::ObjectIdentifier,
+        BT_DATE_PATTERN = Catalogue::Markup::DatePattern,
+        BT_DATE_TIME = Catalogue::Markup::DateTime,
+        BT_DATE_TIME_PATTERN = Catalogue::Markup::DateTimePattern,
+        BT_TIME_PATTERN = Catalogue::Markup::TimePattern,
+        BT_STRING_SET = Catalogue::Markup::StringSet,
+        BT_OBJECT = Catalogue::Markup::Object,
+        BT_INTERFACE = Catalogue::Markup::Interface,
+        BT_COMPOSITION = Catalogue::Markup::Composition,
+        BT_LIST = Catalogue::Markup::List,
+        BT_SEQUENCE = Catalogue::Markup::Sequence,
+        BT_ARRAY = Catalogue::Markup::Array,
+        BT_SEQUENCE_OF = Catalogue::Markup::SequenceOf,
+        BT_CHOICE = Catalogue::Markup::Choice,
+        BT_ANY = Catalogue::Markup::Any,
+        BT_LINK = Catalogue::Markup::Link,
+        BT_COLLECTION = Catalogue::Markup::Collection,
+        BT_TAG = Catalogue::Markup::Tag,
+        BT_OBJECT_IDENTIFIER_PATTERN = Catalogue::Markup::ObjectIdentifierPattern,
+        BT_WEEK_N_DAY = Catalogue::Markup::WeekNDay,
+        BT_NAMED_VALUES = Catalogue::Markup::NamedValues,
+        BT_MEMBER_TYPE_DEFINITION = Catalogue::Markup::MemberTypeDefinition,
+        BT_CHOICES = Catalogue::Markup::Choices,
+        BT_NAMED_BITS = Catalogue::Markup::NamedBits,
+        BT_BIT = Catalogue::Markup::Bit,
+        BT_COMPOSITION_2 = Catalogue::Markup::Composition2,
+        BT_MAX = Catalogue::Markup::Count
     };
 
     /// Markup flags handed to `markupNew` and the writers.
@@ -167,6 +170,11 @@ public:
                 const std::string& href = "", const std::string& contextTag = "",
                 const std::string& propertyIdentifier = "", const std::string& description = "",
                 const std::string& units = "", bool omitEmptyValue = false, int level = 0);
+
+    /// One complete primitive markup whose only metadata is its context tag (none when empty):
+    /// what `markup` writes for those arguments, without its argument list.
+    void markupValue(BaseType baseType, const std::string& name, const std::string& value, bool arrayMarker,
+                     bool root, const std::string& contextTag);
 
     /// Closes the innermost real markup, and the array markers above it.
     void closeOpenMarkup();
@@ -278,6 +286,16 @@ public:
     void formatAfter();
 
 protected:
+    /// Writers print through these: straight into the stream's buffer, without a stream's
+    /// per-call bookkeeping. Nothing is written once `flush` has ended a compressed stream.
+    void write(const char* text, std::size_t length) {
+        if (std::streambuf* buffer = _out.rdbuf()) buffer->sputn(text, static_cast<std::streamsize>(length));
+    }
+    void write(const std::string& text) { write(text.data(), text.size()); }
+    void write(char c) {
+        if (std::streambuf* buffer = _out.rdbuf()) buffer->sputc(c);
+    }
+
     Metadata _metadata;
     bool _compressing = false;
     /// Present only when compressing; writes into the caller's stream.
@@ -315,7 +333,7 @@ private:
     static Poco::HashMap<uint64_t, std::string> _bnDataTypeValueName;
     static Poco::FastMutex _mutexBnDataTypeValueName;
 
-    static const std::string _bts[BT_MAX];
+    static const std::array<std::string, BT_MAX> _bts;
 };
 
 }  // namespace WS

@@ -27,6 +27,10 @@ private:
     void writeValue(BaseType baseType, const std::string& value, unsigned int flags);
     void writeString(const std::string& text);
     void writeMetadata(const std::vector<MetadataValue>& metadata, unsigned int flags);
+    void flushLine();
+
+    /// One markup's text, written to the stream at once; reused, so writing does not allocate.
+    std::string _line;
 };
 
 }  // namespace WS

@@ -23,6 +23,10 @@ public:
 
     /// The namespace written on the root element.
     static const std::string _embeddedText;
+
+private:
+    /// One markup's text, written at once; reused, so writing does not allocate.
+    std::string _line;
 };
 
 }  // namespace WS
