@@ -13,14 +13,16 @@ namespace DataType {
 
 namespace {
 
-void requireStrict(const DataPropertyInObject0& d, bool strict, BACNET_APPLICATION_TAG tag, const char* what) {
+void requireStrict(const DataPropertyInObject0& d, bool strict, BACNET_APPLICATION_TAG tag,
+                   const char* what) {
     if (strict && (d.structure != BACNET_DTS_SINGLE_VALUE || d.tag != tag))
         throw Poco::BadCastException(std::string("ANY strict conversion value is not ") + what);
 }
 
 }  // namespace
 
-ANY::ANY(const DataPropertyInObject0& descriptor, const std::string& json) : ANY(descriptor, PropertyRef(), json) {}
+ANY::ANY(const DataPropertyInObject0& descriptor, const std::string& json)
+    : ANY(descriptor, PropertyRef(), json) {}
 
 ANY::ANY(const DataPropertyInObject0& descriptor, const PropertyRef& ref, const std::string& json)
     : _descriptor(descriptor), _ref(ref) {
@@ -68,7 +70,8 @@ std::string ANY::getText(const std::string& separator) const {
     std::string text;
     for (std::size_t position = 0; position < _value.size();) {
         DataApplicationValue value;
-        const int used = value.decode(_value.data() + position, static_cast<unsigned>(_value.size() - position));
+        const int used =
+            value.decode(_value.data() + position, static_cast<unsigned>(_value.size() - position));
         if (used <= 0 || value.context_specific) return _value.getHexString(false);
         if (position > 0) text += separator;
         bool ok = true;

@@ -21,11 +21,14 @@ constexpr int kNoTruncation = 65535;
 }  // namespace
 
 const SD DotBACnetPathParams::_validServices[6] = {
-    {SERVICE_SUPPORTED_READ_PROP_MULTIPLE, SD::HM_READ, bactext_confirmed_service_name(SERVICE_CONFIRMED_READ_PROP_MULTIPLE), 1, 6},
-    {SERVICE_SUPPORTED_READ_PROPERTY, SD::HM_READ, bactext_confirmed_service_name(SERVICE_CONFIRMED_READ_PROPERTY), 5, 6},
+    {SERVICE_SUPPORTED_READ_PROP_MULTIPLE, SD::HM_READ,
+     bactext_confirmed_service_name(SERVICE_CONFIRMED_READ_PROP_MULTIPLE), 1, 6},
+    {SERVICE_SUPPORTED_READ_PROPERTY, SD::HM_READ,
+     bactext_confirmed_service_name(SERVICE_CONFIRMED_READ_PROPERTY), 5, 6},
     {SERVICE_SUPPORTED_GET_EVENT_INFORMATION, SD::HM_READ,
      bactext_confirmed_service_name(SERVICE_CONFIRMED_GET_EVENT_INFORMATION), 1, 4},
-    {SERVICE_SUPPORTED_WRITE_PROPERTY, SD::HM_WRITE, bactext_confirmed_service_name(SERVICE_CONFIRMED_WRITE_PROPERTY), 5, 6},
+    {SERVICE_SUPPORTED_WRITE_PROPERTY, SD::HM_WRITE,
+     bactext_confirmed_service_name(SERVICE_CONFIRMED_WRITE_PROPERTY), 5, 6},
     {SERVICE_SUPPORTED_ACKNOWLEDGE_ALARM, SD::HM_WRITE,
      bactext_confirmed_service_name(SERVICE_CONFIRMED_ACKNOWLEDGE_ALARM), 3, 3},
     {DotBACnetPathParams::NO_SERVICE, SD::HM_NONE, "", 0, 0},

@@ -1,11 +1,11 @@
 // The catalogue walk of the JSON encoder: entries, constructed members and tags.
 #include "TQ_BACnet/WS/EncoderJSON.h"
 
-#include "WsSupport.h"
 #include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/Entity/BnDataType.h"
 #include "TQ_BACnet/Entity/BnMarkupType.h"
 #include "TQ_BACnet/WS/DataWsError.h"
+#include "WsSupport.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/config.h"
 
@@ -36,8 +36,13 @@ constexpr std::size_t kMaxWalk = 4 * EncoderJSON::kMaxNesting;
 BnDataTypeConstruct::DataTypeAndName topMember(const BnDataTypeConstruct& def) {
     const Poco::Nullable<int> parent = def.getIdParent();
     const unsigned id = static_cast<unsigned>(def.getIdBnDataTypeConstruct());
-    return {&def, "", def.getIdBnMarkup(), def.getContextNr(), id,
-            parent.isNull() ? id : static_cast<unsigned>(parent.value()), def.isOptional()};
+    return {&def,
+            "",
+            def.getIdBnMarkup(),
+            def.getContextNr(),
+            id,
+            parent.isNull() ? id : static_cast<unsigned>(parent.value()),
+            def.isOptional()};
 }
 
 // "$value" given as a JSON null or as the text "null" in any letter case, or the value itself
@@ -53,7 +58,8 @@ bool isNullValue(const Var& json) {
 DataWsError::WS_ERROR_CODE codeOf(const Poco::Exception& e) {
     if (dynamic_cast<const Poco::JSON::JSONException*>(&e)) return DataWsError::WS_ERR_BAD_PAYLOAD;
     if (dynamic_cast<const Poco::RangeException*>(&e)) return DataWsError::WS_ERR_VALUE_OUT_OF_RANGE;
-    if (dynamic_cast<const Poco::NotImplementedException*>(&e)) return DataWsError::WS_ERR_UNSUPPORTED_DATATYPE;
+    if (dynamic_cast<const Poco::NotImplementedException*>(&e))
+        return DataWsError::WS_ERR_UNSUPPORTED_DATATYPE;
     return DataWsError::WS_ERR_VALUE_FORMAT;
 }
 
@@ -85,8 +91,9 @@ public:
     explicit Depth(const EncoderJSON& encoder) : _encoder(encoder) {
         if (++_encoder._depth > kMaxWalk) {
             --_encoder._depth;
-            throw Poco::DataFormatException("TQ::BACnet::WS::EncoderJSON::encode() the value nests deeper than " +
-                                            std::to_string(kMaxWalk) + " members");
+            throw Poco::DataFormatException(
+                "TQ::BACnet::WS::EncoderJSON::encode() the value nests deeper than " +
+                std::to_string(kMaxWalk) + " members");
         }
     }
     ~Depth() { --_encoder._depth; }
@@ -100,16 +107,18 @@ private:
 int EncoderJSON::encode(const DataPropertyInObject0& descriptor, const std::string& text,
                         TQ::Utility::OctetBuffer& buffer, unsigned int offset) {
     if (text.size() > kMaxDocumentSize)
-        throw Poco::JSON::JSONException("TQ::BACnet::WS::EncoderJSON::encode() the JSON text is larger than " +
-                                        std::to_string(kMaxDocumentSize) + " bytes");
+        throw Poco::JSON::JSONException(
+            "TQ::BACnet::WS::EncoderJSON::encode() the JSON text is larger than " +
+            std::to_string(kMaxDocumentSize) + " bytes");
     Poco::JSON::Parser parser;
     parser.setDepth(kMaxNesting);
     const Var parsed = parser.parse(text);
     if (!WsSupport::objectOf(parsed))
-        throw Poco::JSON::JSONException("TQ::BACnet::WS::EncoderJSON::encode() the JSON text is not an object");
+        throw Poco::JSON::JSONException(
+            "TQ::BACnet::WS::EncoderJSON::encode() the JSON text is not an object");
     expanded = WsSupport::objectOf(parsed)->has("$base");
-    const bool isArray = descriptor.structure != BACNET_DTS_SINGLE_VALUE &&
-                         descriptor.datatype != WsSupport::kPriorityArray;
+    const bool isArray =
+        descriptor.structure != BACNET_DTS_SINGLE_VALUE && descriptor.datatype != WsSupport::kPriorityArray;
 
     // The walk writes into scratch space, so a failure leaves the caller's bytes untouched.
     unsigned char scratch[MAX_APDU];
@@ -117,7 +126,8 @@ int EncoderJSON::encode(const DataPropertyInObject0& descriptor, const std::stri
     const Bound bound(*this, scratch, sizeof scratch);
     const int length = encode(descriptor.datatype, parsed, &out, isArray);
     if (length <= 0) return length;
-    if (buffer.capacity() < std::size_t(offset) + std::size_t(length)) buffer.reserve(std::size_t(offset) + length);
+    if (buffer.capacity() < std::size_t(offset) + std::size_t(length))
+        buffer.reserve(std::size_t(offset) + length);
     std::memcpy(buffer.data() + offset, scratch, static_cast<std::size_t>(length));
     return length;
 }
@@ -187,7 +197,8 @@ int EncoderJSON::encode(const DataTypeAndName& member, const Var& json, unsigned
                     const auto& inner = def->_internalBDTCs;
                     if (inner.size() != 1)
                         throw Poco::Exception(
-                            "TQ::BACnet::WS::EncoderJSON::encode[3]() number of internal internal datatypes is " +
+                            "TQ::BACnet::WS::EncoderJSON::encode[3]() number of internal internal datatypes "
+                            "is " +
                             std::to_string(inner.size()) +
                             ", but should be 1 for bn_datatype_construct.id_bn_datatype_construct=" +
                             std::to_string(member.idBnDataTypeConstruct));
@@ -204,8 +215,8 @@ int EncoderJSON::encode(const DataTypeAndName& member, const Var& json, unsigned
                 length += encodeChoiceInternal(def->_internalBDTCs, json, out);
                 break;
             default:
-                throw Poco::NotFoundException("TQ::BACnet::WS::EncoderJSON::encode[3]() Unsupported BaseType " +
-                                              std::to_string(kind));
+                throw Poco::NotFoundException(
+                    "TQ::BACnet::WS::EncoderJSON::encode[3]() Unsupported BaseType " + std::to_string(kind));
         }
         length += encodeClosingTagIfExist(member.contextNr, out);
         return std::max(length, 0);
@@ -217,7 +228,8 @@ int EncoderJSON::encode(const DataTypeAndName& member, const Var& json, unsigned
         return length + encodeClosingTagIfExist(member.contextNr, out);
     }
     const Poco::Nullable<unsigned> topKind = def->getIdBnMarkup();
-    if (!topKind.isNull() && topKind.value() <= kLastPrimitiveKind) return encodePrimitiveInternal(member, json, out);
+    if (!topKind.isNull() && topKind.value() <= kLastPrimitiveKind)
+        return encodePrimitiveInternal(member, json, out);
     length += encodeOpeningTagIfExist(member.contextNr, out);
     length += encode(static_cast<BACnetDataType>(type), json, out, false);
     return length + encodeClosingTagIfExist(member.contextNr, out);
@@ -246,7 +258,8 @@ int EncoderJSON::encodeSequenceInternal(const std::vector<DataTypeAndName>& memb
             continue;
         }
         Var sub;
-        if (getSubObject(json, members[i].name, sub, !members[i].optional)) total += encode(members[i], sub, out);
+        if (getSubObject(json, members[i].name, sub, !members[i].optional))
+            total += encode(members[i], sub, out);
     }
     return total;
 }
@@ -260,7 +273,8 @@ int EncoderJSON::encodeChoiceInternal(const std::vector<DataTypeAndName>& altern
         if (!alternative.pDTC) {
             // An inline group is one alternative: its members are skipped unless it is chosen.
             if (chosen) return encodeGroup(alternatives, i, json, out);
-            while (i + 1 < alternatives.size() && alternatives[i + 1].idParent == alternative.idBnDataTypeConstruct)
+            while (i + 1 < alternatives.size() &&
+                   alternatives[i + 1].idParent == alternative.idBnDataTypeConstruct)
                 ++i;
             continue;
         }
@@ -269,7 +283,8 @@ int EncoderJSON::encodeChoiceInternal(const std::vector<DataTypeAndName>& altern
     throw Poco::NotFoundException("TQ::BACnet::WS:: EncoderJSON::encodeChoiceInternal() no CHOICE match");
 }
 
-int EncoderJSON::encodeSequenceOfInternal(BACnetDataType elementType, const Var& json, unsigned char** out) const {
+int EncoderJSON::encodeSequenceOfInternal(BACnetDataType elementType, const Var& json,
+                                          unsigned char** out) const {
     return encode(elementType, json, out, true);
 }
 
@@ -282,8 +297,9 @@ int EncoderJSON::encodeAnyInternal(const Var& json, unsigned char** out) const {
         // The writer names primitives by their base type ("Real"), the catalogue by ASN.1 ("REAL").
         const Poco::Nullable<int> kind = Entity::BnMarkupType::findReverse(name);
         if (kind.isNull() || kind.value() < 0 || kind.value() > static_cast<int>(kLastPrimitiveKind))
-            throw Poco::NotFoundException("TQ::BACnet::WS::EncoderJSON::encodeAnyInternal(), datatype for \"" + name +
-                                          "\" dosen't exist");
+            throw Poco::NotFoundException(
+                "TQ::BACnet::WS::EncoderJSON::encodeAnyInternal(), datatype for \"" + name +
+                "\" dosen't exist");
         type = static_cast<BACnetDataType>(kind.value());
     }
     Var value;
@@ -291,7 +307,8 @@ int EncoderJSON::encodeAnyInternal(const Var& json, unsigned char** out) const {
     return encode(type, value, out, false);
 }
 
-int EncoderJSON::encodeOpeningTagIfExist(const Poco::Nullable<unsigned char>& contextNr, unsigned char** out) const {
+int EncoderJSON::encodeOpeningTagIfExist(const Poco::Nullable<unsigned char>& contextNr,
+                                         unsigned char** out) const {
     if (contextNr.isNull()) return 0;
     reserve(*out, 2);
     const int length = encode_opening_tag(*out, contextNr.value());
@@ -299,7 +316,8 @@ int EncoderJSON::encodeOpeningTagIfExist(const Poco::Nullable<unsigned char>& co
     return length;
 }
 
-int EncoderJSON::encodeClosingTagIfExist(const Poco::Nullable<unsigned char>& contextNr, unsigned char** out) const {
+int EncoderJSON::encodeClosingTagIfExist(const Poco::Nullable<unsigned char>& contextNr,
+                                         unsigned char** out) const {
     if (contextNr.isNull()) return 0;
     reserve(*out, 2);
     const int length = encode_closing_tag(*out, contextNr.value());

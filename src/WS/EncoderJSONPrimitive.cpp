@@ -83,13 +83,15 @@ std::string textOf(const EncoderJSON& encoder, const Var& json) {
         return textOf(encoder, value);
     }
     if (WsSupport::arrayOf(json))
-        throw Poco::DataFormatException("TQ::BACnet::WS::EncoderJSON::setPrimitive() a JSON array where one value "
-                                        "is expected");
+        throw Poco::DataFormatException(
+            "TQ::BACnet::WS::EncoderJSON::setPrimitive() a JSON array where one value "
+            "is expected");
     return json.convert<std::string>();
 }
 
 unsigned typeKeyOf(const EncoderJSON::DataTypeAndName& member) {
-    return member.pDTC ? static_cast<unsigned>(member.pDTC->getIdBnDataTypeConstruct()) : BnDataTypeEnum::kNotFound;
+    return member.pDTC ? static_cast<unsigned>(member.pDTC->getIdBnDataTypeConstruct())
+                       : BnDataTypeEnum::kNotFound;
 }
 
 void resolveEnumerated(const EncoderJSON::DataTypeAndName& member, std::string& text) {
@@ -103,21 +105,24 @@ void resolveEnumerated(const EncoderJSON::DataTypeAndName& member, std::string& 
     if (value == BnDataTypeEnum::kNotFound && typeKey != BnDataTypeEnum::kNotFound)
         value = BnDataTypeEnum::getEnumValueById(typeKey, text);
     if (value == BnDataTypeEnum::kNotFound)
-        throw Poco::NotFoundException("Can not encode enumerate value '" + text +
-                                      "'. Either invalid text, use of upper/lower case, or enumerate datatype does "
-                                      "not exist in database");
+        throw Poco::NotFoundException(
+            "Can not encode enumerate value '" + text +
+            "'. Either invalid text, use of upper/lower case, or enumerate datatype does "
+            "not exist in database");
     text = std::to_string(value);
 }
 
 // Bits by name or number, separated by ";", sized to the bit count of the member's (or else
 // its type's) catalogue entry. False for the "true,false,..." form, which the value reads
 // itself.
-bool resolveBits(const EncoderJSON::DataTypeAndName& member, const std::string& text, DataApplicationValue& value) {
+bool resolveBits(const EncoderJSON::DataTypeAndName& member, const std::string& text,
+                 DataApplicationValue& value) {
     const std::string trimmed = Poco::trim(text);
     if (trimmed.find(',') != std::string::npos || trimmed == "true" || trimmed == "false") return false;
     const auto fail = [&text]() {
-        return Poco::NotFoundException("Can not encode bit-sting value '" + text +
-                                       "'. Either invalid value or bitstring datatype does not exist in database");
+        return Poco::NotFoundException(
+            "Can not encode bit-sting value '" + text +
+            "'. Either invalid value or bitstring datatype does not exist in database");
     };
     unsigned keys[2] = {member.idBnDataTypeConstruct, typeKeyOf(member)};
     int count = BnDataTypeEnum::getBitCount(keys[0]);
@@ -153,7 +158,8 @@ bool resolveBits(const EncoderJSON::DataTypeAndName& member, const std::string& 
 
 }  // namespace
 
-void EncoderJSON::setPrimitive(const DataTypeAndName& member, const Var& json, DataApplicationValue& value) const {
+void EncoderJSON::setPrimitive(const DataTypeAndName& member, const Var& json,
+                               DataApplicationValue& value) const {
     unsigned kind;
     if (!member.idBnMarkup.isNull()) {
         kind = member.idBnMarkup.value();
@@ -170,13 +176,15 @@ void EncoderJSON::setPrimitive(const DataTypeAndName& member, const Var& json, D
         kind = BACNET_DT_MAX_APPLICATION_TAG;
     }
     if (kind > BACNET_APPLICATION_TAG_OBJECT_ID)
-        throw Poco::InvalidArgumentException("TQ::BACnet::WS::EncoderJSON::setPrimitive() datatype is not primitive");
+        throw Poco::InvalidArgumentException(
+            "TQ::BACnet::WS::EncoderJSON::setPrimitive() datatype is not primitive");
 
     std::string text = textOf(*this, json);
     const auto tag = static_cast<BACNET_APPLICATION_TAG>(kind);
     bool done = false;
     if (tag == BACNET_APPLICATION_TAG_ENUMERATED) resolveEnumerated(member, text);
-    if (tag == BACNET_APPLICATION_TAG_BIT_STRING && Poco::icompare(text, "null") != 0) done = resolveBits(member, text, value);
+    if (tag == BACNET_APPLICATION_TAG_BIT_STRING && Poco::icompare(text, "null") != 0)
+        done = resolveBits(member, text, value);
     if (tag == BACNET_APPLICATION_TAG_REAL) {
         bool ok = false;
         const double real = HostConvert::getReal(text, &ok);
@@ -196,13 +204,15 @@ void EncoderJSON::setPrimitive(const DataTypeAndName& member, const Var& json, D
     value.context_tag = member.contextNr.isNull() ? 255 : member.contextNr.value();
 }
 
-int EncoderJSON::encodePrimitiveInternal(const DataTypeAndName& member, const Var& json, unsigned char** out) const {
+int EncoderJSON::encodePrimitiveInternal(const DataTypeAndName& member, const Var& json,
+                                         unsigned char** out) const {
     DataApplicationValue value;
     setPrimitive(member, json, value);
     const int length = bacapp_encode_data(nullptr, &value);
     if (length < 0)
-        throw Poco::InvalidArgumentException("TQ::BACnet::WS::EncoderJSON::encodePrimitiveInternal() the value of \"" +
-                                             member.name + "\" cannot be encoded");
+        throw Poco::InvalidArgumentException(
+            "TQ::BACnet::WS::EncoderJSON::encodePrimitiveInternal() the value of \"" + member.name +
+            "\" cannot be encoded");
     reserve(*out, static_cast<std::size_t>(length));
     bacapp_encode_data(*out, &value);
     *out += length;

@@ -1,8 +1,12 @@
 #include "TQ_BACnet/WS/MarkupOptions.h"
 
+#include <Poco/Ascii.h>
 #include <Poco/DeflatingStream.h>
 #include <Poco/NumberParser.h>
 #include <Poco/StringTokenizer.h>
+
+#include <algorithm>
+#include <cstring>
 
 namespace TQ {
 namespace BACnet {
@@ -76,8 +80,9 @@ const FlagOption kFlagOptions[] = {{"readback", &MarkupOptions::readback},
 
 template <typename Option, std::size_t N>
 const Option* findOption(const Option (&options)[N], const std::string& key) {
+    // The first letter rules out most keys without a string comparison.
     for (const Option& option : options)
-        if (key == option.key) return &option;
+        if (!key.empty() && key[0] == option.key[0] && key == option.key) return &option;
     return nullptr;
 }
 
@@ -92,9 +97,24 @@ std::vector<std::string> MarkupOptions::splitString(std::string text, std::strin
 }
 
 void MarkupOptions::parseOptionsFromQuery(const std::string& query) {
-    for (const std::string& item : splitString(query, "&", true)) {
-        const std::vector<std::string> parts = splitString(item, "=", true);
-        if (parts.size() >= 2) applyOption(parts[0], parts[1]);
+    // The items and parts splitString(..., true) gives, found in place: a request's options are
+    // read on every request, and the tokenizers' vectors cost more than the options themselves.
+    const auto isBlank = [](char c) { return Poco::Ascii::isSpace(c); };
+    for (std::size_t start = 0; start <= query.size();) {
+        const std::size_t end = std::min(query.find('&', start), query.size());
+        std::string parts[2];
+        int count = 0;
+        for (std::size_t from = start; from <= end && count < 2;) {
+            const void* sign = std::memchr(query.data() + from, '=', end - from);
+            const std::size_t stop = sign ? static_cast<std::size_t>(static_cast<const char*>(sign) - query.data()) : end;
+            std::size_t first = from, last = stop;
+            while (first < last && isBlank(query[first])) ++first;
+            while (last > first && isBlank(query[last - 1])) --last;
+            if (last > first) parts[count++].assign(query, first, last - first);
+            from = stop + 1;
+        }
+        if (count == 2) applyOption(parts[0], parts[1]);
+        start = end + 1;
     }
 }
 

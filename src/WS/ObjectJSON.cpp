@@ -1,6 +1,8 @@
 #include "TQ_BACnet/WS/ObjectJSON.h"
 
 #include "TQ_BACnet/DataType/ANY.h"
+#include "TQ_BACnet/Entity/BnDataTypeConstruct.h"
+#include "TQ_BACnet/Entity/BnDataTypeEnum.h"
 #include "TQ_BACnet/Utility/ConvertIt.h"
 #include "tq_stack/bactext.h"
 #include "tq_stack/config.h"
@@ -44,7 +46,8 @@ ObjectJSON::ObjectJSON(const DataType::ANY& any, int options) : Poco::JSON::Obje
 void ObjectJSON::getValueString(BACnetDataType requested, bool strict, bool nullAllowed, bool emptyAllowed,
                                 std::string& out) const {
     if (size() == 0) throw Poco::NullValueException(prefix(requested) + " the JSON object is empty");
-    if (size() > 1) throw Poco::BadCastException(prefix(requested) + " the JSON object holds more than one value");
+    if (size() > 1)
+        throw Poco::BadCastException(prefix(requested) + " the JSON object holds more than one value");
     const std::string value = begin()->second.extract<std::string>();
     if (strict && requested != _descriptor.datatype &&
         !(requested < BACNET_DT_MAX_APPLICATION_TAG && _descriptor.tag != BACNET_APPLICATION_TAG_NULL &&
@@ -104,22 +107,34 @@ std::string ObjectJSON::getCharacterString(bool strict) const {
 DataType::BitString ObjectJSON::getBitString(bool strict) const {
     const std::string value = text(BACNET_DT_BIT_STRING, strict);
     DataType::BitString out;
-    BACnet_Bit_String bits;
-    if (Utility::ConvertIt::getBACnetBitString(value, bits)) {
+    // The writer's form without names, the numbers of the bits set ("1;3"), comes first: a
+    // text of digits would otherwise read as hexadecimal.
+    if (value.find_first_not_of("0123456789; ") != std::string::npos) {
+        BACnet_Bit_String bits;
+        if (!Utility::ConvertIt::getBACnetBitString(value, bits))
+            throw Poco::BadCastException("BACnet::WS::ObjectJSON::getBitString() \"" + value +
+                                         "\" is no bit string");
         Utility::ConvertIt::setBitBuffer(bits, out);
         return out;
     }
-    // The writer's form without names: the numbers of the bits set, separated by ";".
     std::vector<unsigned> set;
-    for (const std::string& number : Poco::StringTokenizer(value, ";", Poco::StringTokenizer::TOK_TRIM)) {
+    for (const std::string& number : Poco::StringTokenizer(
+             value, ";", Poco::StringTokenizer::TOK_TRIM | Poco::StringTokenizer::TOK_IGNORE_EMPTY)) {
         unsigned bit = 0;
         if (!Poco::NumberParser::tryParseUnsigned(number, bit) || bit >= MAX_BITSTRING_BYTES * 8)
-            throw Poco::BadCastException("BACnet::WS::ObjectJSON::getBitString() \"" + value + "\" is no bit string");
+            throw Poco::BadCastException("BACnet::WS::ObjectJSON::getBitString() \"" + value +
+                                         "\" is no bit string");
         set.push_back(bit);
     }
-    unsigned used = 0;
-    for (unsigned bit : set) used = std::max(used, bit + 1);
-    out.setBitsUsed(used);
+    // The text does not tell how many bits there are; the catalogue does for named bits.
+    int used = 0;
+    if (_descriptor.datatype >= BACNET_DT_MAX_APPLICATION_TAG) {
+        if (const Entity::BnDataTypeConstruct* def = Entity::BnDataTypeConstruct::find(_descriptor.datatype))
+            used = std::max(0, Entity::BnDataTypeEnum::getBitCount(
+                                   static_cast<unsigned>(def->getIdBnDataTypeConstruct())));
+    }
+    for (unsigned bit : set) used = std::max(used, static_cast<int>(bit) + 1);
+    out.setBitsUsed(static_cast<unsigned>(used));
     for (unsigned bit : set) out.setBit(bit, true);
     return out;
 }

@@ -1,10 +1,13 @@
-// ObjectJSON from an ABSTRACT-SYNTAX.&Type value: its primitives as the JSON writer shows them,
-// every value quoted.
+// ObjectJSON from an ABSTRACT-SYNTAX.&Type value: the JSON writer's rendering of it, read back.
 #include "TQ_BACnet/WS/ObjectJSON.h"
 
 #include "TQ_BACnet/DataType/ANY.h"
+#include "TQ_BACnet/WS/MarkupFactoryJSON.h"
+#include "WsSupport.h"
 
-#include <Poco/Exception.h>
+#include <Poco/JSON/Parser.h>
+
+#include <sstream>
 
 namespace TQ {
 namespace BACnet {
@@ -13,25 +16,23 @@ namespace WS {
 void ObjectJSON::setValue(const DataType::ANY& any) {
     clear();
     _descriptor = any.getDescriptor();
-    unsigned length = 0;
-    const uint8_t* bytes = any.getValue(&length);
-    std::vector<std::string> texts;
-    for (unsigned position = 0; bytes && position < length;) {
-        DataApplicationValue value;
-        const int used = value.decode(bytes + position, length - position);
-        if (used <= 0 || value.context_specific)
-            throw Poco::NotImplementedException("BACnet::WS::ObjectJSON::setValue() the value of data type " +
-                                                std::to_string(_descriptor.datatype) + " is not a primitive");
-        position += static_cast<unsigned>(used);
-        bool ok = true;
-        // Bits as booleans: without names, the one form every bit-string reader takes.
-        texts.push_back(value.getText(false, _descriptor.datatype, &ok, nullptr, true));
+    std::ostringstream text;
+    {
+        MarkupFactoryJSON writer(text, false, false, -1);
+        // Every value quoted: the getters read strings only.
+        writer.setQuoteValues(true);
+        any.markup(writer, "", false, true, 0);
+        writer.closeAllOpenMarkups();
+        writer.flush();
     }
-    if (texts.size() == 1 && _descriptor.structure == BACNET_DTS_SINGLE_VALUE) {
-        set("$value", texts.front());
-        return;
+    std::string json = text.str();
+    if (json.empty()) return;
+    // A single primitive may come out as a bare member; it is one value all the same.
+    if (json[0] != '{') json = "{" + json + "}";
+    const Poco::Dynamic::Var parsed = Poco::JSON::Parser().parse(json);
+    if (const Poco::JSON::Object* object = WsSupport::objectOf(parsed)) {
+        for (const auto& member : *object) set(member.first, member.second);
     }
-    for (std::size_t i = 0; i < texts.size(); ++i) set(std::to_string(i + 1), texts[i]);
 }
 
 }  // namespace WS

@@ -26,7 +26,8 @@ const char* const PathItemNames::PI_DOT_DEVICE = ".device";
 const char* const PathItemNames::PI_DOT_LOCAL = ".local";
 const char* const PathItemNames::PI_DOT_BACNET = ".bacnet";
 const char* const PathItemNames::PI_BACNETWS = "bacnetws";
-const char* const PathItemNames::PI_ACKNOWLEDGE_ALARM = bactext_confirmed_service_name(SERVICE_CONFIRMED_ACKNOWLEDGE_ALARM);
+const char* const PathItemNames::PI_ACKNOWLEDGE_ALARM =
+    bactext_confirmed_service_name(SERVICE_CONFIRMED_ACKNOWLEDGE_ALARM);
 const char* const PathItemNames::PI_GET_EVENT_INFORMATION =
     bactext_confirmed_service_name(SERVICE_CONFIRMED_GET_EVENT_INFORMATION);
 

@@ -17,7 +17,8 @@ constexpr BACnetDataType kPriorityArray = static_cast<BACnetDataType>(1064);
 
 /// The JSON object a parsed value holds (the parser keeps them behind shared pointers), or null.
 inline const Poco::JSON::Object* objectOf(const Poco::Dynamic::Var& value) {
-    if (value.type() == typeid(Poco::JSON::Object::Ptr)) return value.extract<Poco::JSON::Object::Ptr>().get();
+    if (value.type() == typeid(Poco::JSON::Object::Ptr))
+        return value.extract<Poco::JSON::Object::Ptr>().get();
     if (value.type() == typeid(Poco::JSON::Object)) return &value.extract<Poco::JSON::Object>();
     return nullptr;
 }

@@ -1,8 +1,8 @@
 // JSON bodies to BACnet bytes, single values read out of JSON, and web-service errors.
-#include "TQTestCatalogue.h"
-#include "TQTestSupport.h"
 #include "TQ/BACnet/Client/DataPropertyKey.h"
 #include "TQ/Utility/OctetBuffer.h"
+#include "TQTestCatalogue.h"
+#include "TQTestSupport.h"
 #include "TQ_BACnet/DataType/ANY.h"
 #include "TQ_BACnet/WS/DataWsError.h"
 #include "TQ_BACnet/WS/EncoderJSON.h"
@@ -27,9 +27,11 @@ namespace {
 
 constexpr uint8_t kGuard = 0xAA;
 
-DataPropertyInObject0 descriptor(unsigned type, unsigned tag, unsigned structure = 0, bool emptyAllowed = true) {
+DataPropertyInObject0 descriptor(unsigned type, unsigned tag, unsigned structure = 0,
+                                 bool emptyAllowed = true) {
     return DataPropertyInObject0(static_cast<BACnetDataType>(type), static_cast<BACNET_APPLICATION_TAG>(tag),
-                                 static_cast<TQ::BACnet::BACnetDataTypeStructure>(structure), emptyAllowed, 0);
+                                 static_cast<TQ::BACnet::BACnetDataTypeStructure>(structure), emptyAllowed,
+                                 0);
 }
 
 // Encodes at offset 2 of a guarded buffer: what was written, or the error with the guard bytes
@@ -45,7 +47,8 @@ Outcome encode(const DataPropertyInObject0& d, const std::string& json) {
     Outcome outcome;
     const int length = EncoderJSON().encode(d, json, buffer, 2, outcome.error);
     if (length < 0) {
-        for (std::size_t i = 0; i < buffer.size(); ++i) EXPECT_EQ(buffer[i], kGuard) << "byte " << i << " of " << json;
+        for (std::size_t i = 0; i < buffer.size(); ++i)
+            EXPECT_EQ(buffer[i], kGuard) << "byte " << i << " of " << json;
         return outcome;
     }
     EXPECT_FALSE(outcome.error.hasWsError());
@@ -106,7 +109,8 @@ TEST(EncoderJSON, BodiesEncodeToTheBytesOfTheirType) {
          R"([{"property-identifier":"present-value"},{"property-identifier":"status-flags"}]})",
          "0C 00000001 1E 09 55 09 6F 1F"},
         {"sequence, optional members absent", REFERENCE,
-         R"({"object-identifier":"analog-input,1","property-identifier":"present-value"})", "0C 00000001 19 55"},
+         R"({"object-identifier":"analog-input,1","property-identifier":"present-value"})",
+         "0C 00000001 19 55"},
         {"sequence, every member", REFERENCE,
          R"({"object-identifier":"analog-input,1","property-identifier":85,"property-array-index":3,)"
          R"("device-identifier":"device,9"})",
@@ -120,7 +124,8 @@ TEST(EncoderJSON, BodiesEncodeToTheBytesOfTheirType) {
         {"ABSTRACT-SYNTAX alternative in its tags", PRIORITY_VALUE,
          R"({"constructed-value":{"$base":"Real","$value":1}})", "0E 44 3F800000 0F"},
         {"ABSTRACT-SYNTAX by catalogue name", ANY_VALUE, R"({"$base":"Unsigned","$value":5})", "21 05"},
-        {"inline choice group", LANDING_CALL, R"({"floor-number":3,"command":{"destination":4}})", "09 03 29 04"},
+        {"inline choice group", LANDING_CALL, R"({"floor-number":3,"command":{"destination":4}})",
+         "09 03 29 04"},
     };
     for (const Example& e : examples) {
         const Outcome o = encode(e.d, e.json);
@@ -151,11 +156,13 @@ TEST(EncoderJSON, BadBodiesGiveWebServiceErrorsAndLeaveTheBufferAlone) {
         {REAL, R"({"value":21.5})", 12, "sub-item \"$value\" not found"},
         {TEXT, R"({"$value":")" + std::string(MAX_CHARACTER_STRING_BYTES + 1, 'x') + "\"}", 13, ""},
         {EVENT_STATE, R"({"$value":"Offnormal"})", 12,
-         "Can not encode enumerate value 'Offnormal'. Either invalid text, use of upper/lower case, or enumerate "
+         "Can not encode enumerate value 'Offnormal'. Either invalid text, use of upper/lower case, or "
+         "enumerate "
          "datatype does not exist in database"},
         {EVENT_STATE, R"({"$value":"99999999999"})", 13, ""},
         {STATUS_FLAGS, R"({"$value":"in-alarm;burning"})", 12,
-         "Can not encode bit-sting value 'in-alarm;burning'. Either invalid value or bitstring datatype does not "
+         "Can not encode bit-sting value 'in-alarm;burning'. Either invalid value or bitstring datatype does "
+         "not "
          "exist in database"},
         {STATUS_FLAGS, R"({"$value":"4"})", 13, ""},
         {REFERENCE, R"({"property-identifier":"present-value"})", 12,
@@ -167,14 +174,16 @@ TEST(EncoderJSON, BadBodiesGiveWebServiceErrorsAndLeaveTheBufferAlone) {
         {descriptor(2999, 0), R"({"$value":1})", 24,
          "Can't encode as BACnet datatype 2999 is not implemented in MERLO-Stack database"},
         // Each string fits, all of them do not.
-        {descriptor(7, 7, 2), R"({"1":")" + std::string(700, 'x') + R"(","2":")" + std::string(700, 'y') +
-                                  R"(","3":")" + std::string(700, 'z') + R"("})",
+        {descriptor(7, 7, 2),
+         R"({"1":")" + std::string(700, 'x') + R"(","2":")" + std::string(700, 'y') + R"(","3":")" +
+             std::string(700, 'z') + R"("})",
          13, "does not fit into one APDU"},
     };
     for (const Bad& c : cases) {
         const Outcome o = encode(c.d, c.json);
         EXPECT_TRUE(o.bytes.empty()) << c.json.substr(0, 60);
-        EXPECT_EQ(o.error.getWsErrorCode(), c.code) << c.json.substr(0, 60) << ": " << o.error.getWsErrorText();
+        EXPECT_EQ(o.error.getWsErrorCode(), c.code)
+            << c.json.substr(0, 60) << ": " << o.error.getWsErrorText();
         EXPECT_NE(o.error.getWsErrorText().find(c.text), std::string::npos) << o.error.getWsErrorText();
     }
 }
@@ -210,10 +219,11 @@ TEST(DataWsError, CodesTextsAndPropertyPaths) {
     error.setWsPropertyError(41, "Cannot read", key, "");
     EXPECT_EQ(error.getWsErrorText(),
               "Cannot read property (using RP service) by path:\n\"/1234/analog-value,3/present-value\"");
-    error.setWsPropertyError(41, "Cannot read", TQ::BACnet::Client::DataPropertyKey::fromObject(1, 2, 3, 87, 16),
-                             "timeout");
-    EXPECT_EQ(error.getWsErrorText(),
-              "Cannot read property (using RP service) by path:\n\"/1/analog-value,3/priority-array/16\"\ntimeout");
+    error.setWsPropertyError(41, "Cannot read",
+                             TQ::BACnet::Client::DataPropertyKey::fromObject(1, 2, 3, 87, 16), "timeout");
+    EXPECT_EQ(
+        error.getWsErrorText(),
+        "Cannot read property (using RP service) by path:\n\"/1/analog-value,3/priority-array/16\"\ntimeout");
     EXPECT_EQ(error.getWsErrorCode(), 41);
 }
 
@@ -230,7 +240,8 @@ TEST(ObjectJSON, StrictAndLenientGetters) {
     EXPECT_EQ(TQTest::messageOf<Poco::InvalidAccessException>([&] { unsignedValue.getReal(true); }),
               "Requesting strict real that is not a nullable real");
     EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>([&] { unsignedValue.getDouble(true); }),
-              "BACnet::WS::ObjectJSON::getValueString(<Double>) strict casting from \"Unsigned\" (2) not permitted");
+              "BACnet::WS::ObjectJSON::getValueString(<Double>) strict casting from \"Unsigned\" (2) not "
+              "permitted");
     EXPECT_FLOAT_EQ(make(descriptor(4, 4, 0, false), "1,021.5").getReal(true), 1021.5f);
     // A catalogue type passes strict mode through its application tag.
     EXPECT_EQ(make(EVENT_STATE, "3").getEnumerated(true), 3u);
@@ -247,7 +258,8 @@ TEST(ObjectJSON, StrictAndLenientGetters) {
         {"yes", "BACnet::WS::ObjectJSON::getValueString(<BOOLEAN>) value is not strict boolean"},
     };
     for (const Refusal& r : refusals)
-        EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>([&] { make(descriptor(1, 1), r.value).getBoolean(true); }),
+        EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>(
+                      [&] { make(descriptor(1, 1), r.value).getBoolean(true); }),
                   r.message);
     EXPECT_TRUE(make(descriptor(1, 1), "yes").getBoolean(false));
     EXPECT_TRUE(make(descriptor(1, 1), "TRUE").getBoolean(true));
@@ -265,7 +277,8 @@ TEST(ObjectJSON, ShapeOfTheObject) {
     EXPECT_THROW(o.getReal(false), Poco::BadCastException);  // an object, not a string
     o.set("2", "22");
     EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>([&] { o.getCharacterString(false); }),
-              "BACnet::WS::ObjectJSON::getValueString(<CharacterString>) the JSON object holds more than one value");
+              "BACnet::WS::ObjectJSON::getValueString(<CharacterString>) the JSON object holds more than one "
+              "value");
     Poco::Dynamic::Var item;
     EXPECT_FALSE(o.getArrayItem(0, item));
     EXPECT_FALSE(o.getArrayItem(3, item));
@@ -320,7 +333,8 @@ TEST(AnyJson, BuiltFromJsonAndReadAsPrimitives) {
     ANY(STATUS_FLAGS, R"({"$value":"fault"})").getBitString(bits, true);
     EXPECT_EQ(bits.getBitsString(), "0100");
     EXPECT_EQ(ANY(OBJECT_LIST, R"({"1":"device,1","2":"device,2"})").getText(" | "), "device,1 | device,2");
-    EXPECT_EQ(ANY(REFERENCE, R"({"object-identifier":"analog-input,1","property-identifier":85})").getText(";"),
-              "0C000000011955");
+    EXPECT_EQ(
+        ANY(REFERENCE, R"({"object-identifier":"analog-input,1","property-identifier":85})").getText(";"),
+        "0C000000011955");
     EXPECT_THROW(ANY(REAL, R"({"$value":)"), Poco::JSON::JSONException);
 }

@@ -1,8 +1,8 @@
 // Every catalogued constructed type: a sample value rendered by the JSON writer through the
 // catalogue walk, encoded back by EncoderJSON, gives the sample's bytes again.
+#include "TQ/Utility/OctetBuffer.h"
 #include "TQTestCatalogue.h"
 #include "TQTestSupport.h"
-#include "TQ/Utility/OctetBuffer.h"
 #include "TQ_BACnet/DataType/BitString.h"
 #include "TQ_BACnet/Entity/BnDataTypeEnum.h"
 #include "TQ_BACnet/WS/DataWsError.h"
@@ -88,7 +88,8 @@ private:
     }
 
     static bool isPrimitive(const Member& m) {
-        return m.pDTC && (m.pDTC->getIdBnDataType() < 16 || (!m.idBnMarkup.isNull() && m.idBnMarkup.value() <= 12));
+        return m.pDTC &&
+               (m.pDTC->getIdBnDataType() < 16 || (!m.idBnMarkup.isNull() && m.idBnMarkup.value() <= 12));
     }
     static bool hasPrimitive(const std::vector<Member>& list) {
         for (const Member& m : list)
@@ -105,31 +106,23 @@ private:
     }
 
     void primitive(const Member& m, unsigned tag) {
+        static const char* const kTexts[] = {
+            "",     "true",  "7", "-3",         "1.5",         "2.25",          "0102",
+            "a\"b", nullptr, "1", "2024-03-05", "12.30.15.50", "analog-input,1"};
         DataApplicationValue v;
-        switch (tag) {
-            case 0: v.setText(BACNET_APPLICATION_TAG_NULL, "", true); break;
-            case 1: v.setBool(true); break;
-            case 2: v.setUInt(7); break;
-            case 3: v.setInt(-3); break;
-            case 4: v.setReal(1.5f); break;
-            case 5: v.setDouble(2.25); break;
-            case 6: v.setText(BACNET_APPLICATION_TAG_OCTET_STRING, "0102", false); break;
-            case 7: v.setCharString("a\"b"); break;
-            case 8: {
-                int count = BN::Entity::BnDataTypeEnum::getBitCount(m.idBnDataTypeConstruct);
-                if (count < 1 && m.pDTC) count = BN::Entity::BnDataTypeEnum::getBitCount(m.pDTC->getIdBnDataTypeConstruct());
-                // Without catalogued bit names the text shows only the bits set, not how many
-                // bits there are: such a sample sets its last bit.
-                BN::DataType::BitString bits;
-                bits.setBitsUsed(count < 1 ? 3 : static_cast<unsigned>(count));
-                bits.setBit(count < 1 ? 2 : 0, true);
-                v.setBitString(bits);
-                break;
-            }
-            case 9: v.setEnum(1); break;
-            case 10: v.setText(BACNET_APPLICATION_TAG_DATE, "2024-03-05", false); break;
-            case 11: v.setText(BACNET_APPLICATION_TAG_TIME, "12.30.15.50", false); break;
-            default: v.setObjectIdentifier(BN::DataType::ObjectIdentifier(OBJECT_ANALOG_INPUT, 1)); break;
+        if (tag == BACNET_APPLICATION_TAG_BIT_STRING) {
+            int count = BN::Entity::BnDataTypeEnum::getBitCount(m.idBnDataTypeConstruct);
+            if (count < 1 && m.pDTC)
+                count = BN::Entity::BnDataTypeEnum::getBitCount(m.pDTC->getIdBnDataTypeConstruct());
+            // Without catalogued bit names the text shows only the bits set, not how many
+            // bits there are: such a sample sets its last bit.
+            BN::DataType::BitString bits;
+            bits.setBitsUsed(count < 1 ? 3 : static_cast<unsigned>(count));
+            bits.setBit(count < 1 ? 2 : 0, true);
+            v.setBitString(bits);
+        } else {
+            v.setText(static_cast<BACNET_APPLICATION_TAG>(tag), kTexts[tag],
+                      tag == BACNET_APPLICATION_TAG_NULL);
         }
         v.context_specific = !m.contextNr.isNull();
         v.context_tag = m.contextNr.isNull() ? 0 : m.contextNr.value();
@@ -187,7 +180,8 @@ TEST(JsonRoundTrip, EveryCataloguedConstructedTypeWithAndWithoutNames) {
     for (int type : types) {
         Sample sample;
         sample.type(static_cast<unsigned>(type), 0);
-        for (std::size_t i = 0; i + 1 < sample.values.size(); ++i) sample.values[i].next = &sample.values[i + 1];
+        for (std::size_t i = 0; i + 1 < sample.values.size(); ++i)
+            sample.values[i].next = &sample.values[i + 1];
         const TQTest::Bytes expected = bytesOf(sample.values);
         for (bool useNames : {true, false}) {
             std::ostringstream json;
@@ -196,8 +190,9 @@ TEST(JsonRoundTrip, EveryCataloguedConstructedTypeWithAndWithoutNames) {
             ASSERT_TRUE(writer.markup2(static_cast<BN::BACnetDataType>(type), &cursor, "", true, {})) << type;
             writer.closeAllOpenMarkups();
             writer.flush();
-            const BN::DataPropertyInObject0 d(static_cast<BN::BACnetDataType>(type), BACNET_APPLICATION_TAG_NULL,
-                                              BN::BACNET_DTS_SINGLE_VALUE, true, 0);
+            const BN::DataPropertyInObject0 d(static_cast<BN::BACnetDataType>(type),
+                                              BACNET_APPLICATION_TAG_NULL, BN::BACNET_DTS_SINGLE_VALUE, true,
+                                              0);
             TQ::Utility::OctetBuffer buffer(MAX_APDU);
             BN::WS::DataWsError error;
             const int length = BN::WS::EncoderJSON().encode(d, json.str(), buffer, 0, error);

@@ -33,7 +33,8 @@ struct Parsed {
     DataWsError error;
 };
 
-Parsed parse(const std::string& uri, BACNET_SERVICES_SUPPORTED service = RPM, SD::HttpMethod method = SD::HM_READ) {
+Parsed parse(const std::string& uri, BACNET_SERVICES_SUPPORTED service = RPM,
+             SD::HttpMethod method = SD::HM_READ) {
     Parsed p{false, DotBACnetPathParams(method, service), DataWsError()};
     p.ok = UriParser::validateRequest(uri, p.params, p.error);
     return p;
@@ -54,7 +55,8 @@ TEST_F(UriParserTest, AcceptedPathsResolveEveryItem) {
         {"/bacnetws/.bacnet", GEI, SD::HM_READ, "/.bacnet", GEI},
         {"//bacnetws//.bacnet/ .local /1234/ analog-value , 3 /present-value/", RPM, SD::HM_READ,
          "/.bacnet/.local/1234/analog-value,3/present-value", RPM},
-        {"/bacnetws/.bltd/object-list/3", RPM, SD::HM_READ, "/.bacnet/.local/1234/device,1234/object-list/3", RPM},
+        {"/bacnetws/.bltd/object-list/3", RPM, SD::HM_READ, "/.bacnet/.local/1234/device,1234/object-list/3",
+         RPM},
         {"/bacnetws/.blt/analog-value,3/present-value", RP, SD::HM_READ,
          "/.bacnet/.local/1234/analog-value,3/present-value", RP},
         {"/bacnetws/.bacnet/5/.self/trendlog,1/log-buffer", RPM, SD::HM_READ,
@@ -71,7 +73,7 @@ TEST_F(UriParserTest, AcceptedPathsResolveEveryItem) {
          "/.bacnet/.local/1/analog-value,1", RPM},
         {"/bacnetws/.bacnet/.local/1/analog-value,1/present-value?alt=plain&depth=-1", RP, SD::HM_READ,
          "/.bacnet/.local/1/analog-value,1/present-value", RP},
-        {"/bacnetws/.bacnet/.local/1/device,1/object-list/0?alt=plain&unknown=1&alt=plain", RP, SD::HM_READ,
+        {"/bacnetws/.bacnet/.local/1/device,1/object-list/0?alt=json&unknown=1&depth=&alt=plain", RP, SD::HM_READ,
          "/.bacnet/.local/1/device,1/object-list/0", RP},
     };
     for (const Case& c : cases) {
@@ -102,11 +104,13 @@ TEST_F(UriParserTest, RejectionsCarryCodeAndExactMessage) {
     const Case cases[] = {
         {"/bacnetws", RPM, -1, ""},
         {"/other/.bacnet", RPM, -1, ""},
-        {"/bacnetws/.bacnet", RP, 50, "The path for service  \"read-property\" is not supported for that service"},
+        {"/bacnetws/.bacnet", RP, 50,
+         "The path for service  \"read-property\" is not supported for that service"},
         {"/bacnetws/.data", RPM, 50, "\".data\" is invalid path item"},
         {"/bacnetws/.bacnet/x1", RPM, 49, "Addressing scope as \"x1\" is invalid"},
         {"/bacnetws/.bacnet/65536", RPM, 49, "Addressing scope as \"65536\" is invalid"},
-        {dev + "4194304", RPM, 52, "dev-inst \"4194304\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
+        {dev + "4194304", RPM, 52,
+         "dev-inst \"4194304\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
         {dev + "99999999999", RPM, 52,
          "dev-inst \"99999999999\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
         {dev + "12a", RPM, 3, "dev-inst \"12a\" is not a valid number"},
@@ -119,14 +123,16 @@ TEST_F(UriParserTest, RejectionsCarryCodeAndExactMessage) {
         {dev + "1/analog-value,1,2", RPM, 49, "object-identifier as \"analog-value,1,2\" is invalid syntax"},
         {dev + "1/1024,1", RPM, 52, "object-type as number 1024 is out of range"},
         {dev + "1/colour,1", RPM, 50, "object-type as name \"colour\" does not exist or not supported"},
-        {dev + "1/analog-v%C3%A4lue,1", RPM, 50, "object-type as name \"analog-v\xC3\xA4lue\" does not exist or not supported"},
+        {dev + "1/analog-v%C3%A4lue,1", RPM, 50,
+         "object-type as name \"analog-v\xC3\xA4lue\" does not exist or not supported"},
         {dev + "1/analog-value,4194304", RPM, 52,
          "object-inst \"4194304\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
         {dev + "1/analog-value,x", RPM, 3, "object-inst \"x\" is not a valid number"},
         {av + "no-such", RPM, 3, "property-id \"no-such\" is invalid property name"},
         {av + "16777215", RPM, 52, "property-id \"16777215\" is out of range"},
         {dev + "1/file,1/.contents", RPM, 50, "\".contents\" is not supported for objects of type \"file\""},
-        {av + ".contents", RPM, 39, "property as path item \"/.contents\" is only valid with object type \"file\""},
+        {av + ".contents", RPM, 39,
+         "property as path item \"/.contents\" is only valid with object type \"file\""},
         {av + "priority-array/.history", RPM, 50, "\".history\" is not supported"},
         {av + "priority-array/x", RPM, 49, "array index \"x\" is not a positive integer"},
         {av + "priority-array/4294967295", RPM, 49, "array index \"4294967295\" is not a positive integer"},
@@ -134,18 +140,22 @@ TEST_F(UriParserTest, RejectionsCarryCodeAndExactMessage) {
         {av + "present-value/1", RPM, 50,
          "property \"present-value\" is not an array, therefore array index \"1\" is not permitted"},
         {dev + "1/analog-value,1?alt=plain", RPM, 27, "result can not be represented in \"plain\" format"},
-        {dev + "1/device,1/object-list?alt=plain", RPM, 27, "result can not be represented in \"plain\" format"},
+        {dev + "1/device,1/object-list?alt=plain", RPM, 27,
+         "result can not be represented in \"plain\" format"},
         {av + "priority-array?alt=plain", RPM, 27, "result can not be represented in \"plain\" format"},
         {dev + "1/device,1/device-address-binding?alt=plain", RPM, 27,
          "result can not be represented in \"plain\" format"},
         {dev + "1?depth=0", RPM, 52,
-         "Options parmeter \"depth\" as 0 is invalid. A zeror value for depth is meaningless, would cause no data "
+         "Options parmeter \"depth\" as 0 is invalid. A zeror value for depth is meaningless, would cause no "
+         "data "
          "returned. Remove parmeter or set higher value"},
         {dev + "1?depth=-2", RPM, 52,
-         "Options parmeter \"depth\" as -2 is invalid. Negative values other than -1 (referring to infinite depth) "
+         "Options parmeter \"depth\" as -2 is invalid. Negative values other than -1 (referring to infinite "
+         "depth) "
          "are not permitted"},
         {dev + "1/analog-value,1?depth=2", RPM, 52,
-         "Options parmeter \"depth\" as 2 is invalid. Currently truncation can be done up to BACnet property level, "
+         "Options parmeter \"depth\" as 2 is invalid. Currently truncation can be done up to BACnet property "
+         "level, "
          "but not deeper, either specify a lower value or remove the parameter"},
         {dev + "1?depth=2147483647", RPM, 52,
          "Options parmeter \"depth\" as 2147483647 is invalid. Currently truncation can be done up to BACnet "
@@ -153,13 +163,15 @@ TEST_F(UriParserTest, RejectionsCarryCodeAndExactMessage) {
         {av + "present-value?947-srv=write-property", RPM, 8,
          "\"Invalid or not supported service ( parameter \"947-srv\") \"write-property\" specified"},
         {av + "present-value?depth=abc", RPM, 3, "Syntax error"},
+        {av + "present-value?depth=2147483648", RPM, 3, "Syntax error"},
         {"/bacnetws/.bacnet/%zz", RPM, 3, "Bad URI syntax"},
     };
     for (const Case& c : cases) {
         const Parsed p = parse(c.uri, c.service);
         EXPECT_FALSE(p.ok) << c.uri;
         EXPECT_EQ(p.error.getWsErrorCode(), c.code) << c.uri << ": " << p.error.getWsErrorText();
-        EXPECT_EQ(p.error.getWsErrorText().rfind(c.message, 0), 0u) << c.uri << ": " << p.error.getWsErrorText();
+        EXPECT_EQ(p.error.getWsErrorText().rfind(c.message, 0), 0u)
+            << c.uri << ": " << p.error.getWsErrorText();
     }
 }
 

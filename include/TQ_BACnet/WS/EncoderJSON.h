@@ -45,12 +45,12 @@ public:
     /// Encodes the JSON `text` for a property with `descriptor` into `buffer`'s storage from
     /// `offset` on (grown when the buffer owns its storage); returns the byte count. The
     /// buffer's size is left to the caller. The value must fit into one APDU.
-    int encode(const DataPropertyInObject0& descriptor, const std::string& text, TQ::Utility::OctetBuffer& buffer,
-               unsigned int offset);
+    int encode(const DataPropertyInObject0& descriptor, const std::string& text,
+               TQ::Utility::OctetBuffer& buffer, unsigned int offset);
     /// The same without exceptions: -1 with the web-service error code and text set in `error`
     /// (bad document 29, bad value 12, value out of range 13, uncatalogued type 24).
-    int encode(const DataPropertyInObject0& descriptor, const std::string& text, TQ::Utility::OctetBuffer& buffer,
-               unsigned int offset, DataWsError& error) noexcept;
+    int encode(const DataPropertyInObject0& descriptor, const std::string& text,
+               TQ::Utility::OctetBuffer& buffer, unsigned int offset, DataWsError& error) noexcept;
 
     /// A value of catalogued `type`; with `isArray` its elements "1", "2", ... (or a JSON array).
     /// Writes at `*out` and advances it; room for one APDU is assumed when no entry above set
@@ -87,8 +87,8 @@ private:
     class Depth;
 
     void reserve(const unsigned char* at, std::size_t bytes) const;
-    int encodeGroup(const std::vector<DataTypeAndName>& members, std::size_t& index, const Poco::Dynamic::Var& json,
-                    unsigned char** out) const;
+    int encodeGroup(const std::vector<DataTypeAndName>& members, std::size_t& index,
+                    const Poco::Dynamic::Var& json, unsigned char** out) const;
 
     bool expanded = false;
     mutable unsigned char* _end = nullptr;  ///< the write limit of the walk in progress

@@ -8,6 +8,7 @@
 
 #include <Poco/URI.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,9 +23,12 @@ namespace WS {
 class UriParser {
 public:
     /// Both parse the query options: an option that must be a number and is not raises
-    /// Poco::SyntaxException (the URI itself Poco's own syntax error).
+    /// Poco::SyntaxException, as does a broken percent-encoding. A request target that begins
+    /// with "/" is split into path and query here; any other text is read by Poco::URI.
     explicit UriParser(const std::string& uri);
     explicit UriParser(const Poco::URI& uri);
+    UriParser(const UriParser&) = delete;
+    UriParser& operator=(const UriParser&) = delete;
 
     /// The gateway's own device instance, for ".device", ".self", ".this" and the shorthands.
     static void setLocalDevInstance(unsigned int instance) { _localDevInstance = instance; }
@@ -42,7 +46,8 @@ public:
                                    DataWsError& error, MarkupOptions& options);
     /// URI to parameters in one call that never throws: a malformed URI or option is a
     /// web-service error (code 3) too.
-    static bool validateRequest(const std::string& uri, DotBACnetPathParams& params, DataWsError& error) noexcept;
+    static bool validateRequest(const std::string& uri, DotBACnetPathParams& params,
+                                DataWsError& error) noexcept;
 
     /// Item converters: each sets the error and throws on a bad item.
     static BACNET_OBJECT_TYPE getObjType(std::string item, DataWsError& error);
@@ -52,15 +57,20 @@ public:
     static std::string getScopeName(unsigned short network);
     static std::string getScopeDisplayName(unsigned short network);
 
-    const Poco::URI& getUri() const { return _uri; }
+    /// The request URI (made on first use when the parser was given text).
+    const Poco::URI& getUri() const;
+    /// The decoded path.
+    const std::string& getPath() const { return _path; }
     const MarkupOptions& getOptions() const { return _options; }
     MarkupOptions& getOptions() { return _options; }
 
 private:
-    static bool validate(const std::vector<std::string>& items, DotBACnetPathParams& params, DataWsError& error,
-                         MarkupOptions& options);
+    static bool validate(const std::vector<std::string>& items, DotBACnetPathParams& params,
+                         DataWsError& error, MarkupOptions& options);
 
-    Poco::URI _uri;
+    std::string _text;
+    std::string _path;
+    mutable std::unique_ptr<Poco::URI> _uri;
     MarkupOptions _options;
 
     static unsigned int _localDevInstance;
