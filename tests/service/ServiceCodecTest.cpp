@@ -356,7 +356,10 @@ TEST_F(Services, ReadPropertyMultipleAckAnswersItsRequest) {
     values[1].getValue().getCharString(name);
     EXPECT_EQ(name, "AB");
     EXPECT_EQ(values[2].getValue().getDataType(), BACNET_DT_ERROR);
-    EXPECT_EQ(TQTest::encoded(values[2].getValue()), hex("91 02 91 20")) << "the server's class and code";
+    DataType::Error error;
+    values[2].getValue().getValue(error);
+    EXPECT_EQ(error.getErrorClass(), ERROR_CLASS_PROPERTY) << "the server's class and code";
+    EXPECT_EQ(error.getErrorCode(), ERROR_CODE_UNKNOWN_PROPERTY);
 
     struct Case {
         const char* name;
