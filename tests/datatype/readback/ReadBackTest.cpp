@@ -64,17 +64,17 @@ TEST(ReadBack, EmptyPropertyValueDecodesAndEncodesBack) {
 
 // A chain of: o object identifier, e enumerated, u unsigned; a digit after the letter is its
 // context tag.
-Values chain(const std::string& spec) {
+Values chain(const std::string& pattern) {
     Values values;
-    for (size_t i = 0; i < spec.size(); ++i) {
+    for (size_t i = 0; i < pattern.size(); ++i) {
         values.emplace_back();
         DataApplicationValue& v = values.back();
-        if (spec[i] == 'o') v.setObjectIdentifier(AI3);
-        if (spec[i] == 'e') v.setEnum(85);
-        if (spec[i] == 'u') v.setUInt(7);
-        if (i + 1 < spec.size() && isdigit(static_cast<unsigned char>(spec[i + 1]))) {
+        if (pattern[i] == 'o') v.setObjectIdentifier(AI3);
+        if (pattern[i] == 'e') v.setEnum(85);
+        if (pattern[i] == 'u') v.setUInt(7);
+        if (i + 1 < pattern.size() && isdigit(static_cast<unsigned char>(pattern[i + 1]))) {
             v.context_specific = true;
-            v.context_tag = static_cast<uint8_t>(spec[++i] - '0');
+            v.context_tag = static_cast<uint8_t>(pattern[++i] - '0');
         }
     }
     ValueContainer().setApplicationValueLinks(values);
