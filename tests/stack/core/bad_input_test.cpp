@@ -165,8 +165,11 @@ TEST(BadInput, ImpossibleContentAndWrongTagsAreRefusedNotReinterpreted) {
         {"2E A4 7C 01 01 01 B4 01 02 03 04", DEC(bacapp_decode_context_datetime(p, n, 2, &dt)),
          "never closed"},
     };
-    for (const auto& [h, decode, why] : rows)
-        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(h, decode(p, n))) << h << ": " << why;
+    for (const auto& row : rows) {
+        const Decoder& decode = std::get<1>(row);
+        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(std::get<0>(row), decode(p, n)))
+            << std::get<0>(row) << ": " << std::get<2>(row);
+    }
 }
 
 TEST(BadInput, SignedValuesWithTheHighBitSetAreNegativeNotUndefined) {
@@ -177,7 +180,9 @@ TEST(BadInput, SignedValuesWithTheHighBitSetAreNegativeNotUndefined) {
                                                     {"34 80 00 00 00", INT32_MIN},
                                                     {"34 FF FF FF FF", -1},
                                                     {"34 7F FF FF FF", INT32_MAX}};
-    for (const auto& [h, expected] : rows) {
+    for (const auto& row : rows) {
+        const char* h = row.first;
+        const int32_t expected = row.second;
         BACNET_APPLICATION_DATA_VALUE v;
         int32_t s = 0;
         ASSERT_EQ(int(bytes(h).size()), DECODED(h, bacapp_decode_application_data(p, n, &v))) << h;

@@ -45,8 +45,9 @@ TEST(Tags, HeadersEncodeAndDecodeForEveryNumberAndLengthWidth) {
                                                                      {6, false, 65535, "65 FE FF FF"},
                                                                      {6, false, 65536, "65 FF 00 01 00 00"},
                                                                      {20, true, 300, "FD 14 FE 01 2C"}};
-    for (const auto& [number, context, lvt, h] : rows)
-        EXPECT_EQ(h, ENCODED_HEX(encode_tag(p, number, context, lvt)));
+    for (const auto& row : rows)
+        EXPECT_EQ(std::get<3>(row),
+                  ENCODED_HEX(encode_tag(p, std::get<0>(row), std::get<1>(row), std::get<2>(row))));
     EXPECT_EQ("3E", ENCODED_HEX(encode_opening_tag(p, 3)));
     EXPECT_EQ("3F", ENCODED_HEX(encode_closing_tag(p, 3)));
     EXPECT_EQ("FE 28", ENCODED_HEX(encode_opening_tag(p, 40)));
@@ -111,8 +112,8 @@ TEST(Tags, PredicatesMalformedHeadersAndEnclosedLengths) {
         {"3E 4F", BACNET_STATUS_ERROR},
         {"39 01", BACNET_STATUS_ERROR},  // not an opening tag
         {"3E 65 FE", BACNET_STATUS_ERROR}};
-    for (const auto& [h, expected] : rows)
-        EXPECT_EQ(expected, DECODED(h, bacnet_enclosed_data_length(p, n))) << h;
+    for (const auto& row : rows)
+        EXPECT_EQ(row.second, DECODED(row.first, bacnet_enclosed_data_length(p, n))) << row.first;
     // Nesting deeper than the limit is refused; at the limit it is accepted.
     for (unsigned depth : {unsigned(BACNET_MAX_NESTING_DEPTH), BACNET_MAX_NESTING_DEPTH + 1u}) {
         Bytes nested(depth, 0x0E);
