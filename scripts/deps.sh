@@ -8,7 +8,6 @@ packages=(
   libpoco-dev libsqlite3-dev sqlite3
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   clang libclang-rt-14-dev clang-format clang-tidy valgrind
-  tshark
 )
 
 missing=()
