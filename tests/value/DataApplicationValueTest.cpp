@@ -174,6 +174,8 @@ TEST(DataApplicationValueEquality, comparesValuesNotContext) {
     const DataApplicationValue nullReal(BACNET_APPLICATION_TAG_REAL, false);
     EXPECT_FALSE(a == nullReal);
     EXPECT_TRUE(nullReal == DataApplicationValue());
+    a.setReal(0.0f);
+    EXPECT_FALSE(a == nullReal) << "a null is no zero";
     EXPECT_TRUE(parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "x") ==
                 parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "x"));
     EXPECT_TRUE(parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "x") !=
