@@ -33,13 +33,14 @@ inline Poco::UInt64 cacheKey(BACNET_OBJECT_TYPE objectType, BACNET_PROPERTY_ID p
 
 // A thread reads the same property again and again (a value decoded per poll): its last answer
 // is kept beside it, so a repeat costs neither the lock nor the hash. Cached answers never
-// change, so the copy can never go stale. The library is linked, not loaded late, so the
-// static TLS model is available and saves the TLS lookup call.
+// change, so the copy can never go stale. The dynamic TLS model, because hosts may open the
+// library with dlopen: the static model would need room in a small reserve that every
+// late-loaded library shares and others may already have taken.
 struct LastAnswer {
     Poco::UInt64 key = ~Poco::UInt64(0);
     TQ::BACnet::DataPropertyInObject0 descriptor;
 };
-thread_local LastAnswer lastAnswer __attribute__((tls_model("initial-exec")));
+thread_local LastAnswer lastAnswer;
 
 // Catalogue types whose primitive form is fixed, so rendering them needs no catalogue access.
 struct FixedPrimitive {

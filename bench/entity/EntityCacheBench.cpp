@@ -1,8 +1,7 @@
 // What a cache hit of the catalogue costs: time, heap allocations and database statements per
 // hit, and the cost of decoding constructed values with the catalogue as the stack's guide.
 
-#include "TQ/Utility/Data/EmbeddedDatabase.h"
-#include "TQ/Utility/Data/SmoDbSession.h"
+#include "TQTestCatalogue.h"
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/Entity/BnDataType.h"
 #include "TQ_BACnet/Entity/BnDataTypeConstruct.h"
@@ -12,9 +11,6 @@
 #include "tq_stack/rpm.h"
 
 #include <Poco/Data/SQLite/Utility.h>
-#include <Poco/File.h>
-#include <Poco/Path.h>
-#include <Poco/TemporaryFile.h>
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 #include <valgrind/callgrind.h>
@@ -56,26 +52,14 @@ int onStatement(unsigned, void*, void*, void*) {
     return 0;
 }
 
-// The generated catalogue in a temporary database for the life of the process.
-struct Catalogue {
-    Catalogue() : dir(Poco::TemporaryFile::tempName()) {
-        Poco::File(dir).createDirectories();
-        db = TQ::Utility::Data::openEmbeddedDatabase(Poco::Path(dir, "bench.db").toString());
-        TQ::Utility::Data::pDB = db.get();
-        sqlite3_trace_v2(Poco::Data::SQLite::Utility::dbHandle(db->getSession()), SQLITE_TRACE_STMT,
-                         onStatement, nullptr);
-    }
-    ~Catalogue() {
-        TQ::Utility::Data::pDB = nullptr;
-        db.reset();
-        Poco::File(dir).remove(true);
-    }
-    std::string dir;
-    std::unique_ptr<TQ::Utility::Data::SmoDbSession> db;
-};
-
-Catalogue& catalogue() {
-    static Catalogue instance;
+// The generated catalogue for the life of the process, every statement it runs counted.
+TQTest::Catalogue& catalogue() {
+    static TQTest::Catalogue& instance = [] () -> TQTest::Catalogue& {
+        TQTest::Catalogue& opened = TQTest::Catalogue::open();
+        sqlite3_trace_v2(Poco::Data::SQLite::Utility::dbHandle(opened.session()), SQLITE_TRACE_STMT, onStatement,
+                         nullptr);
+        return opened;
+    }();
     return instance;
 }
 

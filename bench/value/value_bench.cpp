@@ -1,14 +1,9 @@
-#include "TQ/Utility/Data/EmbeddedDatabase.h"
-#include "TQ/Utility/Data/SmoDbSession.h"
+#include "TQTestCatalogue.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/ValueContainer.h"
 #include "tq_stack/bacapp.h"
 #include "tq_stack/codec.h"
-
-#include <Poco/File.h>
-#include <Poco/Path.h>
-#include <Poco/TemporaryFile.h>
 
 #include <benchmark/benchmark.h>
 
@@ -24,31 +19,15 @@ const auto BENCH_OBJECT = static_cast<BACNET_OBJECT_TYPE>(700);
 const auto PRESENT_VALUE = static_cast<BACNET_PROPERTY_ID>(85);
 const auto PRIORITY_ARRAY = static_cast<BACNET_PROPERTY_ID>(87);
 
-// A scratch catalogue with the two benchmarked properties, the process-wide session while the
-// benchmarks run.
-struct Catalogue {
-    Catalogue() : dir(Poco::TemporaryFile::tempName()) {
-        using Poco::Data::Keywords::now;
-        Poco::File(dir).createDirectories();
-        db = TQ::Utility::Data::openEmbeddedDatabase(Poco::Path(dir, "bench.db").toString());
-        TQ::Utility::Data::pDB = db.get();
-        db->getSession()
-            << "INSERT INTO bn_properties_in_object (id_bn_object_type, id_bn_property_type, optional, "
-               "empty_allowed, id_bn_datatype, tag, tag_structure, managed_internally) VALUES "
-               "(700, 85, 0, 1, 4, 4, 0, 4), (700, 87, 0, 1, 4, 4, 1, 4)",
-            now;
-    }
-    ~Catalogue() {
-        TQ::Utility::Data::pDB = nullptr;
-        db.reset();
-        Poco::File(dir).remove(true);
-    }
-    std::string dir;
-    std::unique_ptr<TQ::Utility::Data::SmoDbSession> db;
-};
-
-Catalogue& catalogue() {
-    static Catalogue instance;
+// The generated catalogue with the two benchmarked properties, the process-wide session while
+// the benchmarks run.
+TQTest::Catalogue& catalogue() {
+    static TQTest::Catalogue& instance = [] () -> TQTest::Catalogue& {
+        TQTest::Catalogue& opened = TQTest::Catalogue::open();
+        opened.seedProperty(700, 85, 4, 0, true);
+        opened.seedProperty(700, 87, 4, 1, true);
+        return opened;
+    }();
     return instance;
 }
 

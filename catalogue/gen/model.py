@@ -28,7 +28,8 @@ def camel(member_name):
     return "".join(part[:1].upper() + part[1:] for part in member_name.split("-") if part)
 
 
-# Standard property identifiers live in two ranges: below 4096 and from 4194304 on. Folding
+# Standard property identifiers live in two ranges: below 512 and from 4194304 on (the numbers
+# between are the vendors'). Folding
 # the second range onto bit 21 keeps a row's key a stable, positive 32-bit number that is
 # unique per object type and property, so stored rows keep pointing at the same entry when
 # the catalogue is regenerated.

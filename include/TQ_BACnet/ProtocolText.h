@@ -14,7 +14,8 @@ namespace BACnet {
 /// the web services ("analog-input") and the underscore form ("Analog_Input").
 class ProtocolText {
 public:
-    enum IdentifierNameFormat {
+    /// Held in an int, so a number read from outside (1..3 valid) is a value the checks can refuse.
+    enum IdentifierNameFormat : int {
         INF_DETECT = 0,
         INF_UNDERSCORE = 1,
         INF_SPACED = 2,

@@ -95,9 +95,10 @@ int encodeAck(uint8_t* apdu, const BACNET_READ_RANGE_DATA* data) {
     return w.len;
 }
 
-// The range choice; RR_READ_ALL when absent.
+// The range choice; RR_READ_ALL with a zero range when absent.
 bool decodeRange(Reader& r, BACNET_READ_RANGE_DATA* out) {
     out->request_type = RR_READ_ALL;
+    std::memset(&out->range, 0, sizeof out->range);  // every byte: "= {}" sets the first member only
     out->count = 0;
     if (r.atEnd()) return true;
     BACNET_TAG tag;

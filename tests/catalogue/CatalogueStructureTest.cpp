@@ -1,6 +1,6 @@
 // Structural soundness of the generated catalogue: the shape the entity classes, the renderer
 // and the JSON encoder take for granted when they walk bn_datatype_construct.
-#include "CatalogueDb.h"
+#include "TQTestCatalogue.h"
 
 #include <gtest/gtest.h>
 
@@ -8,17 +8,12 @@
 #include <map>
 #include <set>
 
-using TQ::CatalogueTest::catalogue;
-using TQ::CatalogueTest::CatalogueDb;
+using TQTest::CatalogueDb;
+namespace {
+const CatalogueDb& catalogue() { return CatalogueDb::get(); }
+}  // namespace
 
 namespace {
-
-std::vector<std::string> columnsOf(const std::string& table) {
-    std::vector<std::string> names;
-    for (const auto& row : catalogue().rows("PRAGMA table_info(" + table + ")"))
-        names.push_back(row.at(1).value_or(""));
-    return names;
-}
 
 struct ConstructRow {
     long long id, parent, datatype, internal, context, markup, sort;
@@ -42,36 +37,6 @@ std::vector<ConstructRow> constructRows() {
 constexpr long long kSequence = 22, kSequenceOf = 24, kChoice = 25, kAny = 1000;
 
 }  // namespace
-
-// The entity classes index columns by position, so the order is part of the interface.
-TEST(CatalogueSchema, ColumnsInTheOrderTheEntitiesIndexThem) {
-    EXPECT_EQ(columnsOf("dv_bus"), (std::vector<std::string>{"id_dv_bus", "id_dv_bus_type", "name"}));
-    EXPECT_EQ(columnsOf("bn_properties_in_object"),
-              (std::vector<std::string>{"id_bn_properties_in_object", "id_bn_object_type",
-                                        "id_bn_property_type", "optional", "empty_allowed", "default_value",
-                                        "id_bn_datatype", "tag", "tag_structure", "list_request_types",
-                                        "description", "managed_internally"}));
-    EXPECT_EQ(columnsOf("bn_datatype_construct"),
-              (std::vector<std::string>{"id_bn_datatype_construct", "id_parent", "id_bn_datatype",
-                                        "id_bn_datatype_internal", "context_nr", "id_bn_markup", "name",
-                                        "optional", "sort"}));
-    EXPECT_EQ(columnsOf("bn_datatype_enum"),
-              (std::vector<std::string>{"id_bn_datatype_enum", "id_bn_datatype_construct", "value", "name"}));
-    EXPECT_EQ(columnsOf("bn_device_object_property"),
-              (std::vector<std::string>{"id_bn_device_object_property", "id_bn_property_type",
-                                        "id_bn_device_object", "id_bn_properties_in_object", "id_dv_port",
-                                        "value", "poll_rate_sec"}));
-    EXPECT_EQ(columnsOf("bn_ws_metadata_query_options"),
-              (std::vector<std::string>{"id", "catagory_enum_value", "metadata_enum_value"}));
-    auto adm = columnsOf("bn_adm_definition");
-    ASSERT_GE(adm.size(), 5u);
-    EXPECT_EQ(std::vector<std::string>(adm.begin(), adm.begin() + 5),
-              (std::vector<std::string>{"id_bn_adm_definition", "parent", "id_bn_datatype", "name",
-                                        "context_tag"}));
-    for (const char* table : {"bn_gw", "bn_device", "bn_device_object", "bn_device_object_property_value",
-                              "bn_property_type", "bn_datatype", "bn_ws_error", "bn_markup_type"})
-        EXPECT_FALSE(columnsOf(table).empty()) << table;
-}
 
 // Every type has exactly one top row that is its own parent and sorts first; the loader takes
 // the lowest sort as the type itself and the renderer recognises a list's top row by id==parent.

@@ -1,7 +1,7 @@
 // Cross-check of the catalogue's name tables against an independent source: the value strings
 // of the BACnet dissector of the installed protocol analyser. A number that means something else
 // there is either our mistake or a known, explained difference listed below.
-#include "CatalogueDb.h"
+#include "TQTestCatalogue.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 #include <sstream>
 
 using TQ::CatalogueTest::catalogue;
-using TQ::CatalogueTest::CatalogueDb;
+using TQTest::CatalogueDb;
 
 namespace {
 

@@ -61,7 +61,7 @@ int oneRound(int round) {
 }  // namespace
 
 TEST(CatalogueCaches, ManyThreadsGetIdenticalAnswersWithoutDeadlockAndOneQueryPerDescriptor) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     std::atomic<bool> go{false};
     std::vector<std::future<int>> workers;
     for (int t = 0; t < kThreads; ++t) {

@@ -21,7 +21,7 @@ const BnDataTypeConstruct* findType(unsigned int type) {
 }  // namespace
 
 TEST(BnDataTypeConstruct, ATypeLoadsItsTopRowAndItsMembersWithTheirOwnDefinitions) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries(kConstructQuery);
     const BnDataTypeConstruct* dateTime = findType(BACNET_DT_DATE_TIME);
     ASSERT_NE(dateTime, nullptr);
@@ -46,7 +46,7 @@ TEST(BnDataTypeConstruct, ATypeLoadsItsTopRowAndItsMembersWithTheirOwnDefinition
 }
 
 TEST(BnDataTypeConstruct, AMissingTypeIsNullAndIsLookedUpAgain) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries(kConstructQuery);
     EXPECT_EQ(findType(7777), nullptr);
     EXPECT_EQ(findType(7777), nullptr);
@@ -59,7 +59,7 @@ TEST(BnDataTypeConstruct, AMissingTypeIsNullAndIsLookedUpAgain) {
 }
 
 TEST(BnDataTypeConstruct, ARecursiveTypeLoadsOnceAndMembersKeepTheirNullColumns) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries(kConstructQuery);
     const BnDataTypeConstruct* list = findType(2100);
     ASSERT_NE(list, nullptr);
@@ -94,7 +94,7 @@ TEST(BnDataTypeConstruct, ARecursiveTypeLoadsOnceAndMembersKeepTheirNullColumns)
 }
 
 TEST(BnDataTypeConstruct, AMemberWithoutKeysFailsTheLoadAndNothingOfItStaysCached) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     for (int attempt = 0; attempt < 2; ++attempt)
         EXPECT_EQ(TQTest::messageOf<Poco::InvalidAccessException>([] { findType(2500); }),
                   "Can not convert empty value.");
@@ -133,7 +133,7 @@ TEST(BnDataTypeConstruct, SyntheticDefinitionsCarryCopiesOfTheirMembersAndTheSyn
 }
 
 TEST(BnDataTypeConstruct, ClearingTheCacheMakesTheNextLookupLoadAgain) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     ASSERT_NE(findType(2200), nullptr);
     BnDataTypeConstruct::clearCash();
     int before = db.queries(kConstructQuery);

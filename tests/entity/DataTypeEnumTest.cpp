@@ -25,7 +25,7 @@ TEST(BnDataTypeEnum, HashKeysPackConstructAndValueAndSpellConstructsInHex) {
 }
 
 TEST(BnDataTypeEnum, NamesAndValuesAreCachedAndConstruct121SharesTheObjectTypes) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries(kEnumQuery);
     EXPECT_EQ(BnDataTypeEnum::find(121, 8), "device");
     // Cached under 120: neither direction needs the database any more.
@@ -70,7 +70,7 @@ TEST(BnDataTypeEnum, NameLookupsFallBackToDecimalAndTypeLookupsGoThroughTheConst
 }
 
 TEST(BnDataTypeEnum, BitCountsComeFromTheHighestBitNumber) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     EXPECT_EQ(BnDataTypeEnum::getBitCount(130), 5);
     EXPECT_EQ(BnDataTypeEnum::getBitCount(131), 8);
     int before = db.queries(kEnumQuery);

@@ -24,7 +24,7 @@ std::vector<std::string> namesOf(const std::vector<BnDataType::Record>& records)
 }  // namespace
 
 TEST(BnDataType, FindAnswersFromTheCacheAfterTheFirstLookupAndMissesAskAgain) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries(kTypeQuery);
     EXPECT_EQ(BnDataType::find(BACNET_DT_DATE_TIME), "BACnetDateTime");
     EXPECT_EQ(BnDataType::find(BACNET_DT_DATE_TIME), "BACnetDateTime");
@@ -41,7 +41,7 @@ TEST(BnDataType, FindAnswersFromTheCacheAfterTheFirstLookupAndMissesAskAgain) {
 }
 
 TEST(BnDataType, FindReverseMatchesExactNamesAndReportsMissesAs1999) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     EXPECT_EQ(BnDataType::findReverse("Nope"), BACNET_DT_NOT_FOUND);
     EXPECT_EQ(BnDataType::findReverse("bacnetobjecttype"), BACNET_DT_NOT_FOUND);
     EXPECT_EQ(BnDataType::findReverse("BACnetObjectType"), BACNET_DT_OBJECT_TYPE);

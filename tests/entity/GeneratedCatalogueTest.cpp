@@ -1,8 +1,6 @@
 // The entity classes against the generated catalogue as a fresh embedded database holds it:
 // the numbers the library uses by name must mean the same types there.
 
-#include "TQ/Utility/Data/EmbeddedDatabase.h"
-#include "TQ/Utility/Data/SmoDbSession.h"
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/Entity/BnDataType.h"
 #include "TQ_BACnet/Entity/BnDataTypeConstruct.h"
@@ -12,9 +10,7 @@
 #include "tq_stack/context_decode.h"
 #include "tq_stack/rpm.h"
 
-#include <Poco/File.h>
-#include <Poco/Path.h>
-#include <Poco/TemporaryFile.h>
+#include "TQTestCatalogue.h"
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,24 +23,8 @@ namespace {
 
 class GeneratedCatalogue : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        dir = new std::string(Poco::TemporaryFile::tempName());
-        Poco::File(*dir).createDirectories();
-        db = TQ::Utility::Data::openEmbeddedDatabase(Poco::Path(*dir, "catalogue.db").toString()).release();
-        TQ::Utility::Data::pDB = db;
-    }
-    static void TearDownTestSuite() {
-        TQ::Utility::Data::pDB = nullptr;
-        delete db;
-        Poco::File(*dir).remove(true);
-        delete dir;
-    }
-    static std::string* dir;
-    static TQ::Utility::Data::SmoDbSession* db;
+    static void SetUpTestSuite() { TQTest::Catalogue::open(); }
 };
-
-std::string* GeneratedCatalogue::dir = nullptr;
-TQ::Utility::Data::SmoDbSession* GeneratedCatalogue::db = nullptr;
 
 }  // namespace
 

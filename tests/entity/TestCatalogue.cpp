@@ -1,33 +1,8 @@
 #include "TestCatalogue.h"
 
-#include "TQ/Utility/Data/SqlScript.h"
-#include "TQ_Catalogue/CatalogueSql.h"
-
-#include <Poco/Data/SQLite/Connector.h>
-#include <Poco/Data/SQLite/Utility.h>
-#include <Poco/Mutex.h>
-
-#include <sqlite3.h>
-
-#include <vector>
-
 namespace TQTest {
 
 namespace {
-
-Poco::FastMutex traceMutex;
-std::vector<std::string> traced;
-
-// Statements are kept with their bound values, so a test can tell which key was asked for.
-int onTrace(unsigned type, void*, void* statement, void*) {
-    if (type != SQLITE_TRACE_STMT || !statement) return 0;
-    char* expanded = sqlite3_expanded_sql(static_cast<sqlite3_stmt*>(statement));
-    if (!expanded) return 0;
-    Poco::FastMutex::ScopedLock lock(traceMutex);
-    traced.emplace_back(expanded);
-    sqlite3_free(expanded);
-    return 0;
-}
 
 // Rows of the purpose-built catalogue. Numbers are chosen per test group so that cached
 // answers of one group never stand in for another's.
@@ -107,36 +82,9 @@ INSERT INTO bn_markup_type (id_bn_markup_type, name) VALUES (22, 'Sequence'), (9
 
 }  // namespace
 
-TestCatalogue& TestCatalogue::get() {
-    static TestCatalogue catalogue;
+TempDatabase& TestCatalogue::get() {
+    static TempDatabase catalogue(kRows);
     return catalogue;
-}
-
-TestCatalogue::TestCatalogue() {
-    Poco::Data::SQLite::Connector::registerConnector();
-    Poco::Data::Session session(Poco::Data::SQLite::Connector::KEY, ":memory:");
-    TQ::Utility::Data::SqlScript::run(session, TQ::Catalogue::schemaSql());
-    // The generated schema may already hold catalogue rows of its own; this catalogue is ours.
-    for (const char* table : {"bn_datatype", "bn_datatype_construct", "bn_datatype_enum", "bn_property_type",
-                              "bn_properties_in_object", "bn_ws_error", "bn_ws_metadata_query_options",
-                              "bn_markup_type", "bn_adm_definition"})
-        session << std::string("DELETE FROM ") + table, Poco::Data::Keywords::now;
-    TQ::Utility::Data::SqlScript::run(session, kRows);
-    sqlite3_trace_v2(Poco::Data::SQLite::Utility::dbHandle(session), SQLITE_TRACE_STMT, onTrace, nullptr);
-    _db = std::make_unique<TQ::Utility::Data::SmoDbSession>(session);
-    TQ::Utility::Data::pDB = _db.get();
-}
-
-int TestCatalogue::queries(const std::string& fragment) const {
-    Poco::FastMutex::ScopedLock lock(traceMutex);
-    int count = 0;
-    for (const std::string& sql : traced)
-        if (sql.find(fragment) != std::string::npos) ++count;
-    return count;
-}
-
-void TestCatalogue::exec(const std::string& sql) {
-    session() << sql, Poco::Data::Keywords::now;
 }
 
 }  // namespace TQTest

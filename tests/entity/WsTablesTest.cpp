@@ -15,7 +15,7 @@
 using namespace TQ::BACnet::Entity;
 
 TEST(BnWsError, ErrorsLoadOnceAndUnknownCodesThrow) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     const BnWsError& error = BnWsError::find(1);
     EXPECT_EQ(error.getHttpStatus(), 400);
     EXPECT_EQ(error.getErrorText(), "parameter out of range");
@@ -36,7 +36,7 @@ TEST(BnWsError, ErrorsLoadOnceAndUnknownCodesThrow) {
 TEST(BnWsMetadataQueryOptions, CategoriesListTheirItemsInDatabaseOrder) {
     using Cat = BnWsMetadataQueryOptions::MetadataCategory;
     using Item = BnWsMetadataQueryOptions::Metadata;
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries("FROM bn_ws_metadata_query_options");
     EXPECT_TRUE(BnWsMetadataQueryOptions::isMetadata(Cat(0), Item(123456)));
     EXPECT_EQ(db.queries("FROM bn_ws_metadata_query_options"), before);
@@ -60,7 +60,7 @@ TEST(BnWsMetadataQueryOptions, CategoriesListTheirItemsInDatabaseOrder) {
 }
 
 TEST(BnMarkupType, NamesBothWaysWithNullForUnknownNamesAndAnErrorForUnknownNumbers) {
-    TQTest::TestCatalogue& db = TQTest::TestCatalogue::get();
+    TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     EXPECT_EQ(BnMarkupType::find(22), "Sequence");
     EXPECT_THROW(BnMarkupType::find(555), Poco::NullValueException);
     EXPECT_TRUE(BnMarkupType::findReverse("unknown").isNull());

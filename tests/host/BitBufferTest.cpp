@@ -1,6 +1,6 @@
 #include "TQ/Utility/BitBuffer.h"
 
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include <gtest/gtest.h>
 

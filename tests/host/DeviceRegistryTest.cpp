@@ -1,4 +1,4 @@
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include "TQ/BACnet/Client/DataPropertyKey.h"
 #include "TQ/BACnet/Server/LboDeviceManager.h"
@@ -87,7 +87,7 @@ TEST(DataPropertyKey, PartsOrderAndText) {
 }
 
 TEST(DvBus, ReadsAndWritesTheBusTable) {
-    TQTest::ScratchDatabase scratch;
+    TQTest::TempDatabase scratch;
     using Poco::Data::Keywords::now;
     scratch.session() << "INSERT INTO dv_bus (id_dv_bus, id_dv_bus_type, name) VALUES (3, 102, NULL)", now;
     DvBus bus(false);

@@ -1,4 +1,4 @@
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include "TQ/Utility/Data/SqlScript.h"
 
@@ -27,7 +27,7 @@ TEST(SqlScript, SplitsOnlyAtStatementEnds) {
 }
 
 TEST(SqlScript, RunsInOneTransactionAndUndoesAFailure) {
-    TQTest::ScratchDatabase scratch;
+    TQTest::TempDatabase scratch;
     Poco::Data::Session& session = scratch.session();
     EXPECT_EQ(
         SqlScript::run(session,
@@ -48,9 +48,9 @@ TEST(SqlScript, RunsInOneTransactionAndUndoesAFailure) {
 TEST(EmbeddedDatabase, CreatesTheCatalogueOnceAndReopensIt) {
     std::string file;
     {
-        TQTest::ScratchDatabase scratch;
+        TQTest::TempDatabase scratch;
         file = scratch.file();
-        EXPECT_TRUE(scratch.created);
+        EXPECT_TRUE(scratch.created());
         auto tables = TQ::Utility::Data::embeddedTableNames(scratch.session());
         for (const char* table : {"bn_datatype", "bn_gw", "bn_device_object_property", "dv_bus"})
             EXPECT_NE(std::find(tables.begin(), tables.end(), table), tables.end()) << table;

@@ -1,4 +1,4 @@
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include "TQ/Utility/Data/EntityServer.h"
 
@@ -43,7 +43,7 @@ protected:
         ASSERT_EQ(server.retrieve(probe), 1);
     }
 
-    TQTest::ScratchDatabase scratch;
+    TQTest::TempDatabase scratch;
 };
 
 }  // namespace
@@ -67,7 +67,7 @@ TEST_F(EntityServerTest, SelectTextIsBuiltFromTheEntity) {
               "WHERE a.id_probe_parent=b.id_probe_parent AND (amount>?) ORDER BY 4")
         << "the entity's own order wins and its columns go through the alias";
     std::string first = "DISTINCT";
-    EXPECT_EQ(EntityServer(scratch.db.get(), &first, nullptr)
+    EXPECT_EQ(EntityServer(&scratch.db(), &first, nullptr)
                   .getSelectString(probe)
                   .rfind("SELECT DISTINCT id_probe,", 0),
               0u);
@@ -160,7 +160,7 @@ TEST_F(EntityServerTest, InsertFillsGeneratedKeysAndKeepsGivenOnes) {
     EXPECT_EQ(valueOf("SELECT COUNT(*) FROM probe WHERE id_probe=500 AND name='keyed' AND note IS NULL"), 1);
 
     // Without a generated-key query the highest key is read back; the result is the same.
-    scratch.db->setGeneratedKeyQuery("");
+    scratch.db().setGeneratedKeyQuery("");
     Probe another(true);
     another.setVar(Probe::_COL_NAME, std::string("another"), true);
     ASSERT_EQ(server.update(another, nullptr), 1);

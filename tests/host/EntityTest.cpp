@@ -1,4 +1,4 @@
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include "TQ/Utility/Data/EntityServer.h"
 
@@ -74,13 +74,13 @@ TEST(Entity, ParentAndChildConditions) {
 }
 
 TEST(Entity, SingleValueLookups) {
-    TQTest::ScratchDatabase scratch;
+    TQTest::TempDatabase scratch;
     TQTest::createProbeTables(scratch.session());
     using Poco::Data::Keywords::now;
     scratch.session() << "INSERT INTO probe VALUES (1, 4, 'one', 10, NULL), (2, 4, 'two', 20, 'n')", now;
     EXPECT_EQ(Entity::sqlGetVarByVar(nullptr, "probe", "name", "id_probe=?", 2).convert<std::string>(),
               "two");
-    EXPECT_TRUE(Entity::sqlGetVarByVar(scratch.db.get(), "probe", "name", "id_probe=?", 3).isEmpty());
+    EXPECT_TRUE(Entity::sqlGetVarByVar(&scratch.db(), "probe", "name", "id_probe=?", 3).isEmpty());
     EXPECT_TRUE(Entity::sqlGetVarByVar(nullptr, "probe", "note", "id_probe=?", 1).isEmpty()) << "NULL";
     EXPECT_EQ(Entity::sqlGetVarByVars(nullptr, "probe", "amount", "id_probe_parent=? AND name=?",
                                       {Var(4), Var(std::string("one"))})

@@ -1,6 +1,6 @@
 #include "TQ/Utility/OctetBuffer.h"
 
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ScratchDatabase.h"
+#include "ProbeEntities.h"
 
 #include "TQ/Utility/Data/EntityServer.h"
 
@@ -10,9 +10,9 @@ using Poco::Data::Keywords::into;
 using Poco::Data::Keywords::now;
 
 TEST(SmoDbSession, CommitKeepsAndRollbackUndoesNestedWrites) {
-    TQTest::ScratchDatabase scratch;
+    TQTest::TempDatabase scratch;
     TQTest::createProbeTables(scratch.session());
-    TQ::Utility::Data::SmoDbSession& db = *scratch.db;
+    TQ::Utility::Data::SmoDbSession& db = scratch.db();
     auto insert = [](const std::string& name) {
         TQ::Utility::Data::EntityServer server;
         TQTest::Probe probe(true);

@@ -1,4 +1,7 @@
 #pragma once
+// The helpers every test program shares: bytes as hex text both ways, exception messages, exact-size
+// input blocks (so the address sanitizer sees a single byte read too far), the cut, mutation and
+// wire-form sweeps of the constructed types, and value builders.
 
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
@@ -9,8 +12,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,11 +28,41 @@ inline Bytes hex(const std::string& text) {
     std::string digits;
     for (char c : text)
         if (c != ' ') digits += c;
+    if (digits.size() % 2) throw std::invalid_argument("odd hex: " + text);
     Bytes out;
-    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+    for (std::size_t i = 0; i < digits.size(); i += 2)
         out.push_back(static_cast<uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
     return out;
 }
+
+/// The other way round: bytes as "0C 00 00 00 03".
+inline std::string hexText(const Bytes& bytes) {
+    std::string s;
+    char buf[4];
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        std::snprintf(buf, sizeof buf, i ? " %02X" : "%02X", bytes[i]);
+        s += buf;
+    }
+    return s;
+}
+
+/// The first `length` bytes (all by default), or the bytes from `from` on, in a heap block of
+/// exactly their size.
+class ExactBuffer {
+public:
+    explicit ExactBuffer(const Bytes& in, std::size_t length = SIZE_MAX, std::size_t from = 0)
+        : _size(from >= in.size() ? 0 : std::min(length, in.size() - from)), _data(new uint8_t[_size ? _size : 1]) {
+        std::copy(in.begin() + static_cast<std::ptrdiff_t>(from),
+                  in.begin() + static_cast<std::ptrdiff_t>(from + _size), _data.get());
+    }
+    explicit ExactBuffer(const std::string& hexText) : ExactBuffer(hex(hexText)) {}
+    const uint8_t* data() const { return _data.get(); }
+    uint32_t size() const { return static_cast<uint32_t>(_size); }
+
+private:
+    std::size_t _size;
+    std::unique_ptr<uint8_t[]> _data;
+};
 
 /// What `encode` writes; empty when it reports an error.
 template <class T>
@@ -37,9 +72,9 @@ Bytes encoded(const T& value) {
     return len < 0 ? Bytes() : Bytes(buffer, buffer + len);
 }
 
-/// The message of the E that `f` throws; any other exception fails the test on its own.
-template <class E, class F>
-std::string messageOf(F f) {
+/// The message of the E that `f` throws, or "<no exception>"; any other exception fails the test.
+template <class E = Poco::Exception, class F>
+std::string messageOf(F&& f) {
     try {
         f();
     } catch (const E& e) {
@@ -61,13 +96,11 @@ std::string stdoutOf(F f) {
     return testing::internal::GetCapturedStdout();
 }
 
-/// Decodes the first `length` bytes from a heap copy of exactly that size, so the sanitizer
-/// build catches a read past the end instead of it landing in a neighbouring buffer.
+/// Decodes the first `length` bytes from a heap copy of exactly that size.
 template <class T>
 int decodeExactly(T& value, const Bytes& bytes, std::size_t length) {
-    std::unique_ptr<uint8_t[]> copy(new uint8_t[length == 0 ? 1 : length]);
-    std::copy(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length), copy.get());
-    return value.decode(copy.get(), static_cast<unsigned>(length));
+    const ExactBuffer copy(bytes, length);
+    return value.decode(const_cast<uint8_t*>(copy.data()), copy.size());
 }
 
 /// How a decoder says a cut input is not a value.
@@ -184,6 +217,19 @@ inline TQ::BACnet::DataApplicationValue realValue(float value) {
     TQ::BACnet::DataApplicationValue v;
     v.setReal(value);
     return v;
+}
+
+
+inline TQ::BACnet::DataApplicationValue parsed(BACNET_APPLICATION_TAG tag, const std::string& text,
+                                               bool emptyIsNull = false) {
+    TQ::BACnet::DataApplicationValue v;
+    v.setText(tag, text, emptyIsNull);
+    return v;
+}
+
+inline std::string textOf(const TQ::BACnet::DataApplicationValue& v, bool bitsAsBooleans = true,
+                          bool* ok = nullptr) {
+    return v.getText(false, TQ::BACnet::BACNET_DT_NOT_FOUND, ok, nullptr, bitsAsBooleans);
 }
 
 }  // namespace TQTest

@@ -3,15 +3,15 @@
 #include "TQ_BACnet/DataType/Date.h"
 #include "TQ_BACnet/DataType/OctetString.h"
 #include "TQ_BACnet/DataType/Time.h"
-#include "ValueTestSupport.h"
+#include "TQTestSupport.h"
 #include "tq_stack/codec.h"
 
 #include <cmath>
 
 using TQ::BACnet::DataApplicationValue;
-using TQValueTest::assertsWith;
-using TQValueTest::encoded;
-using TQValueTest::parsed;
+using TQTest::assertsWith;
+using TQTest::encoded;
+using TQTest::parsed;
 namespace DT = TQ::BACnet::DataType;
 
 TEST(DataApplicationValueConstruction, initialStateAndDefaults) {
@@ -149,7 +149,7 @@ TEST(DataApplicationValueNumbers, toDoubleAndIsNumeric) {
         EXPECT_EQ(c.number, c.value.toDouble());
         EXPECT_EQ(c.numeric, c.value.isNumeric());
     }
-    EXPECT_EQ("DataPortValue::toDouble()", TQValueTest::messageOf<Poco::BadCastException>([] {
+    EXPECT_EQ("DataPortValue::toDouble()", TQTest::messageOf<Poco::BadCastException>([] {
                   parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "abc").toDouble();
               }));
     EXPECT_THROW(DataApplicationValue().toDouble(), Poco::BadCastException);
@@ -174,6 +174,8 @@ TEST(DataApplicationValueEquality, comparesValuesNotContext) {
     const DataApplicationValue nullReal(BACNET_APPLICATION_TAG_REAL, false);
     EXPECT_FALSE(a == nullReal);
     EXPECT_TRUE(nullReal == DataApplicationValue());
+    a.setReal(0.0f);
+    EXPECT_FALSE(a == nullReal) << "a null is no zero";
     EXPECT_TRUE(parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "x") ==
                 parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "x"));
     EXPECT_TRUE(parsed(BACNET_APPLICATION_TAG_CHARACTER_STRING, "x") !=

@@ -1,7 +1,7 @@
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/DataType/BitString.h"
-#include "ValueTestSupport.h"
+#include "TQTestSupport.h"
 
 #include <Poco/JSON/Parser.h>
 
@@ -9,9 +9,9 @@
 #include <tuple>
 
 using TQ::BACnet::DataApplicationValue;
-using TQValueTest::messageOf;
-using TQValueTest::parsed;
-using TQValueTest::textOf;
+using TQTest::messageOf;
+using TQTest::parsed;
+using TQTest::textOf;
 
 namespace {
 
@@ -66,7 +66,7 @@ TEST(DataApplicationValueText, everyTagRoundTripsThroughTextAndBytes) {
         EXPECT_TRUE(ok);
         EXPECT_TRUE(parsed(tag, textOf(v)) == v);
 
-        const auto bytes = TQValueTest::encoded(v);
+        const auto bytes = TQTest::encoded(v);
         ASSERT_FALSE(bytes.empty());
         DataApplicationValue back;
         EXPECT_EQ(static_cast<int>(bytes.size()), back.decode(bytes.data(), bytes.size()));

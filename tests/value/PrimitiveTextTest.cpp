@@ -3,14 +3,14 @@
 #include "TQ_BACnet/DataType/Date.h"
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
 #include "TQ_BACnet/DataType/Time.h"
-#include "ValueTestSupport.h"
+#include "TQTestSupport.h"
 
 #include <cstring>
 
 using TQ::BACnet::DataType::Date;
 using TQ::BACnet::DataType::ObjectIdentifier;
 using TQ::BACnet::DataType::Time;
-using TQValueTest::messageOf;
+using TQTest::messageOf;
 
 namespace {
 

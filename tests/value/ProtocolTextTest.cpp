@@ -1,20 +1,21 @@
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
 #include "TQ_BACnet/ProtocolText.h"
-#include "ValueDatabase.h"
-#include "ValueTestSupport.h"
+#include "TQTestCatalogue.h"
+#include "TQTestSupport.h"
 
 using TQ::BACnet::ProtocolText;
-using TQValueTest::messageOf;
+using TQTest::messageOf;
 
 namespace {
 
 class ProtocolTextCatalogue : public ::testing::Test {
 protected:
     void SetUp() override {
-        auto& db = TQValueTest::ValueDatabase::instance();
-        db.seedObjectTypeName(0, "analog-input");
-        db.seedObjectTypeName(8, "device");
+        auto& db = TQTest::Catalogue::open();
+        db.seedConstruct(120, 1100, "BACnetObjectType");
+        db.seedEnum(120, 0, "analog-input");
+        db.seedEnum(120, 8, "device");
         db.seedEnum(ProtocolText::PROPERTY_NAMES, 85, "present-value");
     }
 };
@@ -53,7 +54,7 @@ TEST_F(ProtocolTextCatalogue, objectIdentifiersAndValuesUseTheNames) {
 
 TEST_F(ProtocolTextCatalogue, enumerationsAndBitsPrintByName) {
     // A proprietary enumerated type with its own construct and names.
-    auto& db = TQValueTest::ValueDatabase::instance();
+    auto& db = TQTest::Catalogue::open();
     db.seedConstruct(60001, 3987, "TestMode");
     db.seedEnum(60001, 0, "off");
     db.seedEnum(60001, 2, "boost");

@@ -7,8 +7,8 @@
 #include "TQ_BACnet/DataType/Time.h"
 #include "TQ_BACnet/DataWriteProperty.h"
 #include "TQ_BACnet/ValueContainer.h"
-#include "ValueDatabase.h"
-#include "ValueTestSupport.h"
+#include "TQTestCatalogue.h"
+#include "TQTestSupport.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/datetime.h"
 
@@ -18,9 +18,9 @@
 
 using TQ::BACnet::DataApplicationValue;
 using TQ::BACnet::ValueContainer;
-using TQValueTest::assertsWith;
-using TQValueTest::messageOf;
-using TQValueTest::stdoutOf;
+using TQTest::assertsWith;
+using TQTest::messageOf;
+using TQTest::stdoutOf;
 using Descriptor = TQ::BACnet::ValueContainer::DataPropertyInObject;
 namespace BN = TQ::BACnet;
 
@@ -36,7 +36,7 @@ const auto UNKNOWN = static_cast<BACNET_PROPERTY_ID>(4000);
 class ValueContainerDecode : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        auto& db = TQValueTest::ValueDatabase::instance();
+        auto& db = TQTest::Catalogue::open();
         db.seedProperty(TEST_OBJECT, PV, 4, 0, false);
         db.seedProperty(TEST_OBJECT, PRIORITY_ARRAY, 4, 1, true);
         db.seedProperty(TEST_OBJECT, OBJECT_NAME, 7, 0, false);

@@ -35,8 +35,8 @@ public:
     static constexpr int _COL_MANAGED_INTERNALLY = 11;
 
     /// The class of a property held in the optional column. The listings take two of them as
-    /// exclusive bounds: (OPTIONAL_NONE, OPTIONAL_REQUIRED_WRITABLE) gives the required
-    /// properties, (OPTIONAL_NONE, OPTIONAL_ALL) every property.
+    /// exclusive bounds: (OPTIONAL_NONE, OPTIONAL_OPTIONAL) gives the required properties,
+    /// writable or not, (OPTIONAL_NONE, OPTIONAL_ALL) every property.
     enum Optional : int {
         OPTIONAL_NONE = 0,
         OPTIONAL_REQUIRED = 1,

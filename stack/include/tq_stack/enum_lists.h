@@ -122,6 +122,7 @@
     X(PROP_INSTANCE_OF, 48)                              \
     X(PROP_INTEGRAL_CONSTANT, 49)                        \
     X(PROP_INTEGRAL_CONSTANT_UNITS, 50)                  \
+    X(PROP_ISSUE_CONFIRMED_NOTIFICATIONS, 51)            \
     X(PROP_LIMIT_ENABLE, 52)                             \
     X(PROP_LIST_OF_GROUP_MEMBERS, 53)                    \
     X(PROP_LIST_OF_OBJECT_PROPERTY_REFERENCES, 54)       \

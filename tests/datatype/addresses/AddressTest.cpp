@@ -222,6 +222,7 @@ TEST(BACnetRecipient, EncodesDecodesAndPrintsEitherChoice) {
         expectMutationsStayInBounds<BACnetRecipient>(bytes);
     }
     EXPECT_EQ(encoded(BACnetRecipient()), Bytes()) << "no choice encodes nothing";
+    EXPECT_NE(network5, BACnetRecipient(address(6, {}, {0x03}))) << "addresses are compared";
     BACnetRecipient framed(device12);
     uint8_t apdu[16];
     ASSERT_EQ(framed.encodeContext(apdu, 3), 7);

@@ -7,14 +7,14 @@
 #include <functional>
 #include <string>
 
-#include "../test_support.h"
+#include "TQTestCodec.h"
 #include "tq_stack/bacapp.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/datetime.h"
 #include "tq_stack/references.h"
 #include "tq_stack/strings.h"
 
-using namespace tq_test;
+using namespace TQTest;
 
 namespace {
 
@@ -28,7 +28,7 @@ struct Case {
 };
 
 #define DEC(call) [](const uint8_t* p, uint32_t n) { return call; }
-#define ENC(call) encoded([](uint8_t* p) { return call; })
+#define ENC(call) encodedBy([](uint8_t* p) { return call; })
 
 std::vector<Case> cases() {
     static bool b;
@@ -54,14 +54,14 @@ std::vector<Case> cases() {
     bitstring_init(&bits);
     bitstring_set_bit(&bits, 10, true);
     return {
-        {"application unsigned", bytes("23 01 02 03"), DEC(decode_application_unsigned(p, n, &u)), false},
-        {"application signed", bytes("34 80 00 00 00"), DEC(decode_application_signed(p, n, &s)), false},
-        {"application real", bytes("44 3F 80 00 00"), DEC(decode_application_real(p, n, &f)), false},
-        {"application double", bytes("55 08 3F F0 00 00 00 00 00 00"),
+        {"application unsigned", hex("23 01 02 03"), DEC(decode_application_unsigned(p, n, &u)), false},
+        {"application signed", hex("34 80 00 00 00"), DEC(decode_application_signed(p, n, &s)), false},
+        {"application real", hex("44 3F 80 00 00"), DEC(decode_application_real(p, n, &f)), false},
+        {"application double", hex("55 08 3F F0 00 00 00 00 00 00"),
          DEC(decode_application_double(p, n, &d)), false},
-        {"application date", bytes("A4 7C 01 05 05"), DEC(decode_application_date(p, n, &date)), false},
-        {"application time", bytes("B4 01 02 03 04"), DEC(decode_application_time(p, n, &time)), false},
-        {"application object id", bytes("C4 02 00 00 01"),
+        {"application date", hex("A4 7C 01 05 05"), DEC(decode_application_date(p, n, &date)), false},
+        {"application time", hex("B4 01 02 03 04"), DEC(decode_application_time(p, n, &time)), false},
+        {"application object id", hex("C4 02 00 00 01"),
          DEC(decode_application_object_id(p, n, &type, &instance)), false},
         {"application character string", ENC(encode_application_character_string(p, &chars)),
          DEC(decode_application_character_string(p, n, &chars)), false},
@@ -69,21 +69,21 @@ std::vector<Case> cases() {
          DEC(decode_application_octet_string(p, n, &octets)), false},
         {"application bit string", ENC(encode_application_bitstring(p, &bits)),
          DEC(decode_application_bitstring(p, n, &bits)), false},
-        {"application enumerated", bytes("92 01 00"), DEC(decode_application_enumerated(p, n, &u)), false},
-        {"context unsigned ext tag", bytes("F9 20 05"), DEC(decode_context_unsigned(p, n, 0x20, &u)), true},
-        {"context real", bytes("1C 3F 80 00 00"), DEC(decode_context_real(p, n, 1, &f)), true},
-        {"context double", bytes("1D 08 3F F0 00 00 00 00 00 00"), DEC(decode_context_double(p, n, 1, &d)),
+        {"application enumerated", hex("92 01 00"), DEC(decode_application_enumerated(p, n, &u)), false},
+        {"context unsigned ext tag", hex("F9 20 05"), DEC(decode_context_unsigned(p, n, 0x20, &u)), true},
+        {"context real", hex("1C 3F 80 00 00"), DEC(decode_context_real(p, n, 1, &f)), true},
+        {"context double", hex("1D 08 3F F0 00 00 00 00 00 00"), DEC(decode_context_double(p, n, 1, &d)),
          true},
-        {"context object id", bytes("0C 02 00 00 01"),
+        {"context object id", hex("0C 02 00 00 01"),
          DEC(decode_context_object_id(p, n, 0, &type, &instance)), true},
-        {"context date", bytes("0C 7C 01 05 05"), DEC(decode_context_date(p, n, 0, &date)), true},
-        {"context boolean", bytes("09 01"), DEC(decode_context_boolean(p, n, 0, &b)), true},
+        {"context date", hex("0C 7C 01 05 05"), DEC(decode_context_date(p, n, 0, &date)), true},
+        {"context boolean", hex("09 01"), DEC(decode_context_boolean(p, n, 0, &b)), true},
         {"context character string", ENC(encode_context_character_string(p, 4, &chars)),
          DEC(decode_context_character_string(p, n, 4, &chars)), true},
         {"bacapp application data", ENC(encode_application_character_string(p, &chars)),
          DEC(bacapp_decode_application_data(p, n, &value)), false},
-        {"bacapp real", bytes("44 3F 80 00 00"), DEC(bacapp_decode_application_data(p, n, &value)), false},
-        {"bacapp context data", bytes("2C 3F 80 00 00"),
+        {"bacapp real", hex("44 3F 80 00 00"), DEC(bacapp_decode_application_data(p, n, &value)), false},
+        {"bacapp context data", hex("2C 3F 80 00 00"),
          DEC(bacapp_decode_context_data(p, n, &value, BACNET_APPLICATION_TAG_REAL)), false},
         {"datetime", ENC(bacapp_encode_datetime(p, &dt)), DEC(bacapp_decode_datetime(p, n, &dtOut)), false},
         {"context datetime", ENC(bacapp_encode_context_datetime(p, 2, &dt)),
@@ -124,7 +124,7 @@ TEST(BadInput, EveryDecoderFamilyRefusesTruncationMarkersAndHugeLengths) {
             Bytes in{lengthMarker};
             if ((c.valid[0] >> 4) == 0x0F) in.push_back(c.valid[1]);
             in.push_back(0xFF);
-            for (uint8_t x : bytes(len)) in.push_back(x);
+            for (uint8_t x : hex(len)) in.push_back(x);
             in.insert(in.end(), 16, 0x00);
             ExactBuffer buf(in);
             EXPECT_LT(c.decode(buf.data(), buf.size()), 0) << len;
@@ -165,8 +165,11 @@ TEST(BadInput, ImpossibleContentAndWrongTagsAreRefusedNotReinterpreted) {
         {"2E A4 7C 01 01 01 B4 01 02 03 04", DEC(bacapp_decode_context_datetime(p, n, 2, &dt)),
          "never closed"},
     };
-    for (const auto& [h, decode, why] : rows)
-        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(h, decode(p, n))) << h << ": " << why;
+    for (const auto& row : rows) {
+        const Decoder& decode = std::get<1>(row);
+        EXPECT_EQ(BACNET_STATUS_ERROR, DECODED(std::get<0>(row), decode(p, n)))
+            << std::get<0>(row) << ": " << std::get<2>(row);
+    }
 }
 
 TEST(BadInput, SignedValuesWithTheHighBitSetAreNegativeNotUndefined) {
@@ -177,17 +180,19 @@ TEST(BadInput, SignedValuesWithTheHighBitSetAreNegativeNotUndefined) {
                                                     {"34 80 00 00 00", INT32_MIN},
                                                     {"34 FF FF FF FF", -1},
                                                     {"34 7F FF FF FF", INT32_MAX}};
-    for (const auto& [h, expected] : rows) {
+    for (const auto& row : rows) {
+        const char* h = row.first;
+        const int32_t expected = row.second;
         BACNET_APPLICATION_DATA_VALUE v;
         int32_t s = 0;
-        ASSERT_EQ(int(bytes(h).size()), DECODED(h, bacapp_decode_application_data(p, n, &v))) << h;
-        ASSERT_EQ(int(bytes(h).size()), DECODED(h, decode_application_signed(p, n, &s))) << h;
+        ASSERT_EQ(int(hex(h).size()), DECODED(h, bacapp_decode_application_data(p, n, &v))) << h;
+        ASSERT_EQ(int(hex(h).size()), DECODED(h, decode_application_signed(p, n, &s))) << h;
         EXPECT_EQ(std::make_tuple(v.type.Signed_Int, s), std::make_tuple(expected, expected)) << h;
     }
 }
 
 TEST(BadInput, FastPathsAgreeWithTheGeneralPathForEveryFirstOctetAndLength) {
-    const Bytes content = bytes("12 34 56 78 9A");
+    const Bytes content = hex("12 34 56 78 9A");
     for (unsigned first = 0; first < 256; ++first) {
         for (size_t length = 0; length <= content.size() + 1; ++length) {
             SCOPED_TRACE(std::to_string(first) + " length " + std::to_string(length));
@@ -224,4 +229,26 @@ TEST(BadInput, FastPathsAgreeWithTheGeneralPathForEveryFirstOctetAndLength) {
     EXPECT_EQ(BACNET_STATUS_ERROR, DECODED("21 07", decode_application_unsigned(p, n, nullptr)));
     EXPECT_EQ(decode_application_unsigned(nullptr, 2, &u), BACNET_STATUS_ERROR);
     EXPECT_EQ(decode_application_real(nullptr, 5, nullptr), BACNET_STATUS_ERROR);
+}
+
+// Missing arguments are refused, never dereferenced; the last object type is still a type.
+TEST(BadInput, NullArgumentsAndLastNumbers) {
+    BACNET_CHARACTER_STRING chars;
+    characterstring_init_ansi(&chars, "ab");
+    EXPECT_FALSE(characterstring_append(&chars, nullptr, 3));
+    BACNET_OCTET_STRING octets;
+    octetstring_init_ascii_hex(&octets, "0102");
+    uint8_t out[8];
+    EXPECT_EQ(0u, octetstring_copy_value(out, sizeof out, nullptr));
+    EXPECT_EQ(0u, octetstring_copy_value(nullptr, sizeof out, &octets));
+    EXPECT_EQ(BACNET_STATUS_ERROR, DECODED("3F 80 00 00", decode_real(p, n, nullptr)));
+    int32_t s = 0;
+    EXPECT_EQ(BACNET_STATUS_ERROR, DECODED("01 02 03 04 05", decode_signed(p, n, 5, &s)));
+    BACNET_APPLICATION_DATA_VALUE v;
+    EXPECT_EQ(BACNET_STATUS_ERROR,
+              DECODED("0A 01 00", bacapp_decode_context_data(p, n, &v, BACNET_APPLICATION_TAG_BOOLEAN)));
+    auto last = rpData(BACNET_OBJECT_TYPE(BACNET_MAX_OBJECT), 1, PROP_PRESENT_VALUE);
+    EXPECT_GT(rp_encode_service_request(nullptr, &last), 0);
+    last.object_type = BACNET_OBJECT_TYPE(BACNET_MAX_OBJECT + 1);
+    EXPECT_EQ(BACNET_STATUS_ERROR, rp_encode_service_request(nullptr, &last));
 }

@@ -7,11 +7,11 @@
 #include <limits>
 #include <string>
 
-#include "../test_support.h"
+#include "TQTestCodec.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/strings.h"
 
-using namespace tq_test;
+using namespace TQTest;
 
 namespace {
 
@@ -19,10 +19,10 @@ namespace {
 // of zero and NaN count too).
 template <typename T, typename Encode, typename Decode>
 void expectRoundTrip(T v, Encode encode, Decode decode) {
-    const Bytes b = encoded([&](uint8_t* p) { return encode(p, v); });
+    const Bytes b = encodedBy([&](uint8_t* p) { return encode(p, v); });
     T out{};
-    EXPECT_EQ(int(b.size()), DECODED(b, decode(p, n, &out))) << hex(b);
-    EXPECT_EQ(0, std::memcmp(&out, &v, sizeof v)) << hex(b);
+    EXPECT_EQ(int(b.size()), DECODED(b, decode(p, n, &out))) << hexText(b);
+    EXPECT_EQ(0, std::memcmp(&out, &v, sizeof v)) << hexText(b);
 }
 #define ROUND_TRIP(v, encodeCall, decodeCall)             \
     expectRoundTrip(                                      \
@@ -45,8 +45,9 @@ TEST(Tags, HeadersEncodeAndDecodeForEveryNumberAndLengthWidth) {
                                                                      {6, false, 65535, "65 FE FF FF"},
                                                                      {6, false, 65536, "65 FF 00 01 00 00"},
                                                                      {20, true, 300, "FD 14 FE 01 2C"}};
-    for (const auto& [number, context, lvt, h] : rows)
-        EXPECT_EQ(h, ENCODED_HEX(encode_tag(p, number, context, lvt)));
+    for (const auto& row : rows)
+        EXPECT_EQ(std::get<3>(row),
+                  ENCODED_HEX(encode_tag(p, std::get<0>(row), std::get<1>(row), std::get<2>(row))));
     EXPECT_EQ("3E", ENCODED_HEX(encode_opening_tag(p, 3)));
     EXPECT_EQ("3F", ENCODED_HEX(encode_closing_tag(p, 3)));
     EXPECT_EQ("FE 28", ENCODED_HEX(encode_opening_tag(p, 40)));
@@ -55,7 +56,7 @@ TEST(Tags, HeadersEncodeAndDecodeForEveryNumberAndLengthWidth) {
             for (bool context : {false, true}) {
                 SCOPED_TRACE(std::to_string(lvt) + " " + std::to_string(number) + " " +
                              std::to_string(context));
-                Bytes in = encoded([&](uint8_t* p) { return encode_tag(p, number, context, lvt); });
+                Bytes in = encodedBy([&](uint8_t* p) { return encode_tag(p, number, context, lvt); });
                 const int header = int(in.size());
                 in.resize(in.size() + lvt, 0xAA);  // content present so the length check passes
                 BACNET_TAG tag;
@@ -111,8 +112,8 @@ TEST(Tags, PredicatesMalformedHeadersAndEnclosedLengths) {
         {"3E 4F", BACNET_STATUS_ERROR},
         {"39 01", BACNET_STATUS_ERROR},  // not an opening tag
         {"3E 65 FE", BACNET_STATUS_ERROR}};
-    for (const auto& [h, expected] : rows)
-        EXPECT_EQ(expected, DECODED(h, bacnet_enclosed_data_length(p, n))) << h;
+    for (const auto& row : rows)
+        EXPECT_EQ(row.second, DECODED(row.first, bacnet_enclosed_data_length(p, n))) << row.first;
     // Nesting deeper than the limit is refused; at the limit it is accepted.
     for (unsigned depth : {unsigned(BACNET_MAX_NESTING_DEPTH), BACNET_MAX_NESTING_DEPTH + 1u}) {
         Bytes nested(depth, 0x0E);
@@ -193,7 +194,7 @@ TEST(Primitives, NumbersDatesAndTimesRoundTripAtTheirLimits) {
     for (const BACNET_DATE& d : {BACNET_DATE{1900, 1, 1, 1}, BACNET_DATE{2155, 255, 255, 255},
                                  BACNET_DATE{2024, 13, 33, 255}, BACNET_DATE{2154, 14, 32, 7}}) {
         BACNET_DATE out{};
-        EXPECT_EQ(5, DECODED(encoded([&](uint8_t* p) { return encode_context_date(p, 0, &d); }),
+        EXPECT_EQ(5, DECODED(encodedBy([&](uint8_t* p) { return encode_context_date(p, 0, &d); }),
                              decode_context_date(p, n, 0, &out)));
         EXPECT_EQ(std::make_tuple(out.year, out.month, out.day, out.wday),
                   std::make_tuple(d.year, d.month, d.day, d.wday));
@@ -206,7 +207,7 @@ TEST(Primitives, StringsAndBitStringsRoundTripEmptyAndAtMaximumLength) {
         for (size_t i = 0; i < len; ++i) text[i] = char('a' + i % 26);
         BACNET_CHARACTER_STRING in, out;
         ASSERT_TRUE(characterstring_init(&in, CHARACTER_UTF8, text.data(), len));
-        const Bytes b = encoded([&](uint8_t* p) { return encode_application_character_string(p, &in); });
+        const Bytes b = encodedBy([&](uint8_t* p) { return encode_application_character_string(p, &in); });
         EXPECT_LE(b.size(), size_t(MAX_APDU));
         ASSERT_EQ(int(b.size()), DECODED(b, decode_application_character_string(p, n, &out))) << len;
         EXPECT_TRUE(characterstring_same(&in, &out));
@@ -217,14 +218,14 @@ TEST(Primitives, StringsAndBitStringsRoundTripEmptyAndAtMaximumLength) {
         for (size_t i = 0; i < len; ++i) raw[i] = uint8_t(i * 7);
         BACNET_OCTET_STRING in, out;
         ASSERT_TRUE(octetstring_init(&in, raw.data(), len));
-        const Bytes b = encoded([&](uint8_t* p) { return encode_context_octet_string(p, 1, &in); });
+        const Bytes b = encodedBy([&](uint8_t* p) { return encode_context_octet_string(p, 1, &in); });
         EXPECT_LE(b.size(), size_t(MAX_APDU));
         ASSERT_EQ(int(b.size()), DECODED(b, decode_context_octet_string(p, n, 1, &out))) << len;
         EXPECT_TRUE(octetstring_value_same(&in, &out));
     }
     // A string one byte longer than the maximum is refused rather than truncated.
     Bytes tooLong =
-        encoded([](uint8_t* p) { return encode_tag(p, 7, false, MAX_CHARACTER_STRING_BYTES + 2); });
+        encodedBy([](uint8_t* p) { return encode_tag(p, 7, false, MAX_CHARACTER_STRING_BYTES + 2); });
     tooLong.resize(tooLong.size() + MAX_CHARACTER_STRING_BYTES + 2, 'a');
     tooLong[4] = 0;
     BACNET_CHARACTER_STRING cs;
@@ -235,7 +236,7 @@ TEST(Primitives, StringsAndBitStringsRoundTripEmptyAndAtMaximumLength) {
         bitstring_init(&in);
         for (unsigned i = 0; i < bitCount; ++i) bitstring_set_bit(&in, uint8_t(i), i % 3 == 0);
         ASSERT_EQ(bitstring_bits_used(&in), bitCount);
-        const Bytes b = encoded([&](uint8_t* p) { return encode_application_bitstring(p, &in); });
+        const Bytes b = encodedBy([&](uint8_t* p) { return encode_application_bitstring(p, &in); });
         EXPECT_EQ(b[b.size() - bitstring_bytes_used(&in) - 1], (8 - bitCount % 8) % 8)
             << bitCount;  // unused bits
         ASSERT_EQ(int(b.size()), DECODED(b, decode_application_bitstring(p, n, &out)));

@@ -6,13 +6,13 @@
 #include <cstring>
 #include <string>
 
-#include "../test_support.h"
+#include "TQTestCodec.h"
 #include "tq_stack/bacapp.h"
 #include "tq_stack/datetime.h"
 #include "tq_stack/references.h"
 #include "tq_stack/strings.h"
 
-using namespace tq_test;
+using namespace TQTest;
 
 namespace {
 
@@ -45,7 +45,7 @@ TEST(ApplicationValues, EveryTagRoundTripsApplicationAndContextTaggedAndChained)
     Bytes chain;
     for (BACNET_APPLICATION_DATA_VALUE& in : everyTag()) {
         SCOPED_TRACE(int(in.tag));
-        const Bytes appBytes = encoded([&](uint8_t* p) { return bacapp_encode_application_data(p, &in); });
+        const Bytes appBytes = encodedBy([&](uint8_t* p) { return bacapp_encode_application_data(p, &in); });
         chain.insert(chain.end(), appBytes.begin(), appBytes.end());
         ASSERT_GT(appBytes.size(), 0u);
         BACNET_APPLICATION_DATA_VALUE out, ctxOut;
@@ -56,7 +56,7 @@ TEST(ApplicationValues, EveryTagRoundTripsApplicationAndContextTaggedAndChained)
 
         in.context_specific = true;
         in.context_tag = 21;  // an extended tag number
-        ExactBuffer ctx(encoded([&](uint8_t* p) { return bacapp_encode_data(p, &in); }));
+        ExactBuffer ctx(encodedBy([&](uint8_t* p) { return bacapp_encode_data(p, &in); }));
         EXPECT_EQ(ctx.data()[0] & 0x08, 0x08);
         ASSERT_EQ(bacapp_decode_context_data(ctx.data(), ctx.size(), &ctxOut, in.tag), int(ctx.size()));
         EXPECT_EQ(std::make_tuple(ctxOut.context_specific, ctxOut.context_tag),
@@ -85,9 +85,9 @@ TEST(ApplicationValues, EveryTagRoundTripsApplicationAndContextTaggedAndChained)
     longest.tag = BACNET_APPLICATION_TAG_CHARACTER_STRING;
     const std::string text(MAX_CHARACTER_STRING_BYTES, 'z');
     characterstring_init(&longest.type.Character_String, CHARACTER_UTF8, text.data(), text.size());
-    const Bytes full = encoded([&](uint8_t* p) { return bacapp_encode_application_data(p, &longest); });
+    const Bytes full = encodedBy([&](uint8_t* p) { return bacapp_encode_application_data(p, &longest); });
     ASSERT_EQ(full.size(), size_t(MAX_APDU));
-    EXPECT_EQ(hex(Bytes(full.begin(), full.begin() + 5)), "75 FE 05 C0 00");
+    EXPECT_EQ(hexText(Bytes(full.begin(), full.begin() + 5)), "75 FE 05 C0 00");
 }
 
 TEST(ApplicationValues, CopiesAndDecodesTouchOnlyTheUsedBytes) {
@@ -229,7 +229,7 @@ TEST(References, DeviceObjectReferencesWithAndWithoutOptionalMembers) {
     EXPECT_EQ(std::make_tuple(out.deviceIdentifier.type, out.deviceIdentifier.instance),
               std::make_tuple(uint16_t(BACNET_NO_DEV_TYPE), uint32_t(BACNET_NO_DEV_ID)));
     const Bytes enclosed =
-        encoded([&](uint8_t* p) { return bacapp_encode_context_device_obj_ref(p, 0, &ref); });
+        encodedBy([&](uint8_t* p) { return bacapp_encode_context_device_obj_ref(p, 0, &ref); });
     EXPECT_EQ(enclosed.size(), 12u);
     ASSERT_EQ(12, DECODED(enclosed, bacapp_decode_context_device_obj_ref(p, n, 0, &out)));
     EXPECT_EQ(std::make_tuple(out.deviceIdentifier.type, out.deviceIdentifier.instance),
@@ -250,7 +250,7 @@ TEST(References, DeviceObjectReferencesWithAndWithoutOptionalMembers) {
     // Large property numbers survive, and the enclosed form consumes its closing tag.
     indexed.propertyIdentifier = BACNET_PROPERTY_ID(4194327);
     const Bytes penclosed =
-        encoded([&](uint8_t* p) { return bacapp_encode_context_device_obj_property_ref(p, 1, &indexed); });
+        encodedBy([&](uint8_t* p) { return bacapp_encode_context_device_obj_property_ref(p, 1, &indexed); });
     ASSERT_EQ(int(penclosed.size()),
               DECODED(penclosed, bacapp_decode_context_device_obj_property_ref(p, n, 1, &pout)));
     EXPECT_EQ(std::make_tuple(pout.propertyIdentifier, pout.arrayIndex, pout.deviceIdentifier.type),

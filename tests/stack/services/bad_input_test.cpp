@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "../test_support.h"
+#include "TQTestCodec.h"
 #include "tq_stack/context_decode.h"
 #include "tq_stack/iam.h"
 #include "tq_stack/rp.h"
@@ -19,7 +19,7 @@
 #include "tq_stack/whois.h"
 #include "tq_stack/wp.h"
 
-using namespace tq_test;
+using namespace TQTest;
 
 namespace {
 
@@ -127,7 +127,7 @@ std::string withRuns(const std::string& text) {
 }
 
 Bytes nestedRpAck(int depth) {
-    return bytes(withRuns("0C 00 00 00 05 19 55 3E" + std::string(size_t(depth), '(') +
+    return hex(withRuns("0C 00 00 00 05 19 55 3E" + std::string(size_t(depth), '(') +
                           std::string(size_t(depth), ')') + " 3F"));
 }
 
@@ -138,7 +138,7 @@ TEST(ServiceBadInput, TruncationMarkersAndMutationAtEveryByte) {
                                     0x3F, 0x4E, 0x7F, 0x80, 0xF9, 0xFD, 0xFE, 0xFF};
     for (const auto& s : services()) {
         SCOPED_TRACE(s.name);
-        const Bytes in = bytes(s.valid);
+        const Bytes in = hex(s.valid);
         EXPECT_EQ(int(in.size()), decodeExact(s, in));
         EXPECT_LT(s.decode(nullptr, uint32_t(in.size())), 0) << "NULL buffer";
         // A prefix is rejected or a complete shorter request; it never reports bytes it did not have.
@@ -165,20 +165,18 @@ TEST(ServiceBadInput, TruncationMarkersAndMutationAtEveryByte) {
     }
 }
 
+// Malformed requests that are no prefix of a valid one (prefixes and trailing markers are swept
+// above; huge lengths of every primitive are refused by the codec's own tests).
 TEST(ServiceBadInput, HugeLengthsShortFieldsUnbalancedTagsAndDeepNesting) {
     const std::tuple<int, const char*, const char*> rows[] = {
         {RP, "0D FF FF FF FF FF 00 00 00 05", "object id with a length near 2^32"},
-        {RP, "0D FF 7F FF FF FF 00 00 00 05", "object id with a length of INT_MAX"},
-        {RP, "0D FE FF FF 00 00 00 05", "16-bit length beyond the data"},
         {RP, "0C 00 00 05", "object id one byte short"},
         {RP, "0B 00 00 05 19 55", "object id declared 3 bytes"},
-        {RP, "0C 00 00 00 05 1D FF FF FF FF FF", "property with a huge length"},
         {RP, "0C 00 00 00 05 1D 05 01 00 00 00 00", "property of 5 octets"},
         {RP, "0C 00 00 00 05 19 55 2D 05 01 00 00 00 00", "array index beyond 32 bits"},
         {RP, "0C 00 00 00 05 19 55 29", "array index tag without content"},
         {RP, "19 55 0C 00 00 00 05", "elements out of order"},
         {RP, "C4 00 00 00 05 19 55", "application tag where context tag 0 belongs"},
-        {RP_ACK, "0C 00 00 00 05 19 55 3E 44 42 90 99 9A", "value without closing tag"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 44 42 90 99 9A 4F", "closing tag of another number"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 0E 44 42 90 99 9A 3F", "inner opening tag never closed"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 1F 3F", "inner closing tag never opened"},
@@ -186,7 +184,6 @@ TEST(ServiceBadInput, HugeLengthsShortFieldsUnbalancedTagsAndDeepNesting) {
         {RP_ACK, "0C 00 00 00 05 19 55 3E 44 42 90 99 3F", "REAL one byte short, closing tag swallowed"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 3F 3F", "a second closing tag"},
         {WP, "0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F 49", "priority tag without content"},
-        {WP, "0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F 4D FF FF FF FF FF", "priority with a huge length"},
         {WP, "0C 00 80 00 01 19 55 49 10 3E 44 43 34 00 00 3F", "priority before the value"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 4E 44 42 90 99 9A 4F", "list of results not closed"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 1F", "result without value or error"},
@@ -206,27 +203,20 @@ TEST(ServiceBadInput, HugeLengthsShortFieldsUnbalancedTagsAndDeepNesting) {
         {RR, "0C 05 00 00 01 19 83 3E 21 01 31 01 3F 00", "bytes after the range"},
         {RR_ACK, "0C 05 00 00 01 19 83 3A 05 C0 5E 5F", "item count missing"},
         {RR_ACK, "0C 05 00 00 01 19 83 3A 05 C0 49 01 5E 00", "item data not closed"},
-        {RR_ACK, "0C 05 00 00 01 19 83 3A 05 C0 49 01 5E 00 5F 6D FF FF FF FF FF",
-         "first sequence, huge length"},
         {RR_ACK, "0C 05 00 00 01 19 83 3B 05 C0 00 00 49 01 5E 00 5F", "flags longer than the bit string"},
-        {WHOIS, "09 03", "low limit without high limit"},
         {WHOIS, "19 03", "high limit only"},
         {WHOIS, "09 03 19", "high limit without content"},
-        {WHOIS, "0D FF FF FF FF FF 19 03", "low limit with a huge length"},
         {WHOIS, "0C 00 40 00 00 19 03", "low limit beyond the instance range"},
-        {IAM, "C4 02 00 00 03 22 04 00 91 03", "vendor missing"},
         {IAM, "C3 02 00 00 22 04 00 91 03 21 63", "object id of 3 octets"},
         {IAM, "C4 02 00 00 03 22 04 00 21 03 21 63", "segmentation as Unsigned"},
-        {IAM, "C4 02 00 00 03 25 FF FF FF FF FF 91 03 21 63", "max APDU with a huge length"},
         {TIMESYNC, "A4 5C 0B 11 02 B4 16 2D 1E", "time one byte short"},
         {TIMESYNC, "A3 5C 0B 11 B4 16 2D 1E 46", "date declared 3 octets"},
-        {TIMESYNC, "A4 5C 0B 11 02", "time missing"},
     };
     for (const auto& [service, h, why] : rows)
-        EXPECT_LT(decodeExact(services()[size_t(service)], bytes(h)), 0)
+        EXPECT_LT(decodeExact(services()[size_t(service)], hex(h)), 0)
             << services()[size_t(service)].name << ": " << why;
     // A priority of 4 octets is unusual but well-formed: length alone is not a reason to reject.
-    const Bytes longPriority = bytes("0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F 4C 00 00 00 10");
+    const Bytes longPriority = hex("0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F 4C 00 00 00 10");
     EXPECT_EQ(int(longPriority.size()), decodeExact(services()[WP], longPriority));
     // Nested openings inside a value: 40 is beyond the nesting limit, 20 within.
     for (int s : {RP_ACK, RP_ACK_FULL}) {

@@ -6,11 +6,11 @@
 #include <tuple>
 #include <vector>
 
-#include "../test_support.h"
+#include "TQTestCodec.h"
 #include "tq_stack/context_decode.h"
 #include "tq_stack/strings.h"
 
-using namespace tq_test;
+using namespace TQTest;
 
 namespace {
 
@@ -79,7 +79,7 @@ int byContext(const Bytes& in, BACnet_Datatype_By_Context_Tag* root, BACNET_APPL
 
 TEST(ContextDecode, GuidedLogRecordWithNestingAndRawMembers) {
     // timestamp, datum [1] { real [2] 18.0 }, status flags, then [3] and [7] the guide cannot type.
-    const auto in = bytes("0E A4 62 03 17 01 B4 13 34 22 00 0F 1E 2C 41 90 00 00 1F 2A 04 00 39 07 7A 01 02");
+    const auto in = hex("0E A4 62 03 17 01 B4 13 34 22 00 0F 1E 2C 41 90 00 00 1F 2A 04 00 39 07 7A 01 02");
     // A fresh record is empty and unlinked, whatever it held before.
     BACnet_Datatype_By_Context_Tag root;
     root.parent = root.child = root.second = &root;
@@ -110,7 +110,7 @@ TEST(ContextDecode, GuidedLogRecordWithNestingAndRawMembers) {
 
 TEST(ContextDecode, WrongGuideAndNoGuideKeepBytes) {
     // The choice says [2] is a REAL, but two octets arrive; [10] is an unsigned type by markup.
-    const auto in = bytes("1E 2A 01 02 1F 1E A9 2A 1F");
+    const auto in = hex("1E 2A 01 02 1F 1E A9 2A 1F");
     BACnet_Datatype_By_Context_Tag root;
     init_bacnet_datatype_by_context_tag(&root, 1054);
     {
@@ -121,7 +121,7 @@ TEST(ContextDecode, WrongGuideAndNoGuideKeepBytes) {
     freeTree(root.child);
     // Without a guide every context primitive is raw; application values still decode.
     Decoded d;
-    ASSERT_EQ(9, byContext(bytes("0E 91 05 2C 41 90 00 00 0F"), nullptr, &d.head));
+    ASSERT_EQ(9, byContext(hex("0E 91 05 2C 41 90 00 00 0F"), nullptr, &d.head));
     EXPECT_EQ("[0]{ e5 [2]x41 90 00 00 [0]}", describe(d.head));
 }
 
@@ -135,7 +135,7 @@ TEST(ContextDecode, FailuresReleaseEverything) {
         "D1 00",           // reserved application tag 13
     };
     for (const char* h : bad) {
-        const auto in = bytes(h);
+        const auto in = hex(h);
         BACNET_APPLICATION_DATA_VALUE* head = reinterpret_cast<BACNET_APPLICATION_DATA_VALUE*>(1);
         EXPECT_EQ(BACNET_STATUS_ERROR, byContext(in, nullptr, &head)) << h;
         EXPECT_EQ(nullptr, head) << h;

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <tuple>
 
-#include "../test_support.h"
+#include "TQTestCodec.h"
 #include "tq_stack/apdu.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/iam.h"
@@ -19,7 +19,7 @@
 // The umbrella must compile on its own next to the single headers.
 #include "tq_stack/stack.h"
 
-using namespace tq_test;
+using namespace TQTest;
 
 namespace {
 
@@ -34,9 +34,9 @@ void headerBothWays(const char* example, uint8_t maxApduCode, uint8_t invokeId, 
 
 // An example request as our own encoder sends it: max-APDU code 5.
 std::string ours(const char* example) {
-    Bytes b = bytes(example);
+    Bytes b = hex(example);
     b[1] = 0x05;
-    return hex(b);
+    return hexText(b);
 }
 
 }  // namespace
@@ -135,7 +135,7 @@ TEST(AnnexExamples, ReadRangeByTimeAndAck) {
     const std::string records =
         "0E A4 62 03 17 01 B4 13 34 22 00 0F 1E 2C 41 90 00 00 1F 2A 04 00"
         " 0E A4 62 03 17 01 B4 13 35 22 00 0F 1E 2C 41 90 00 00 1F 2A 04 00";
-    const Bytes recordBytes = bytes(records);
+    const Bytes recordBytes = hex(records);
     rr.result_flags.bits_used = 3;
     rr.result_flags.value[0] = 0xC0;  // first and last item
     rr.item_count = 2;
@@ -230,7 +230,7 @@ TEST(ReadPropertyCodec, IndexesLimitsRoomAndAckValues) {
     const Bytes nulls(MAX_APDU, 0x00);
     rp.application_data = nulls.data();
     rp.application_data_len = MAX_APDU - rp_ack_encode_apdu(nullptr, 1, &rp);
-    EXPECT_EQ(size_t(MAX_APDU), encoded([&](uint8_t* p) { return rp_ack_encode_apdu(p, 1, &rp); }).size());
+    EXPECT_EQ(size_t(MAX_APDU), encodedBy([&](uint8_t* p) { return rp_ack_encode_apdu(p, 1, &rp); }).size());
     for (int bad : {rp.application_data_len + 1, -1}) {
         rp.application_data_len = bad;
         EXPECT_EQ(BACNET_STATUS_ERROR, rp_ack_encode_apdu(nullptr, 1, &rp)) << bad;
@@ -273,8 +273,8 @@ TEST(WritePropertyCodec, PriorityIndexAndValidation) {
              RECORD_DECODER(wp_decode_service_request));
     // With an array index and a constructed value.
     wp.array_index = 5;
-    wp.application_data_len = int(bytes("0E 21 01 0F").size());
-    std::memcpy(wp.application_data, bytes("0E 21 01 0F").data(), 4);
+    wp.application_data_len = int(hex("0E 21 01 0F").size());
+    std::memcpy(wp.application_data, hex("0E 21 01 0F").data(), 4);
     wp.priority = BACNET_NO_PRIORITY;
     bothWays("0C 01 00 00 03 19 55 29 05 3E 0E 21 01 0F 3F", wp, RECORD_ENCODER(wp_encode_service_request),
              RECORD_DECODER(wp_decode_service_request));
@@ -309,8 +309,8 @@ TEST(WritePropertyCodec, PriorityIndexAndValidation) {
 TEST(ReadPropertyMultipleCodec, RequestRoomAndValidation) {
     BACNET_PROPERTY_REFERENCE all = propertyRef(PROP_PRIORITY_ARRAY, nullptr, 3);
     BACNET_READ_ACCESS_DATA rad{OBJECT_ANALOG_OUTPUT, 1, &all, nullptr};
-    const Bytes apdu = encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 5, &rad); });
-    EXPECT_EQ("00 05 05 0E 0C 00 40 00 01 1E 09 57 19 03 1F", hex(apdu));
+    const Bytes apdu = encodedBy([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 5, &rad); });
+    EXPECT_EQ("00 05 05 0E 0C 00 40 00 01 1E 09 57 19 03 1F", hexText(apdu));
     // Exactly enough room, and one octet short.
     Bytes buf(apdu.size());
     EXPECT_EQ(int(apdu.size()), rpm_encode_apdu(buf.data(), unsigned(apdu.size()), 5, &rad));
@@ -348,8 +348,13 @@ TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
     bothWays("0C 05 00 00 02 19 83 6E 24 FF FF FF FF 32 80 00 6F", rr,
              RECORD_ENCODER(rr_encode_service_request), RECORD_DECODER(rr_decode_service_request));
     rr.request_type = RR_READ_ALL;
+    rr.range.ref_seq_num = 0;
     bothWays("0C 05 00 00 02 19 83", rr, RECORD_ENCODER(rr_encode_service_request),
              RECORD_DECODER(rr_decode_service_request));
+    // Without a range the decoded range is zero, whatever the output held before.
+    std::memset(&rr.range, 0xAA, sizeof rr.range);
+    ASSERT_EQ(7, DECODED("0C 05 00 00 02 19 83", rr_decode_service_request(p, n, &rr)));
+    EXPECT_EQ(std::string(sizeof rr.range, '\0'), std::string(reinterpret_cast<const char*>(&rr.range), sizeof rr.range));
     rr.request_type = 3;
     EXPECT_EQ(BACNET_STATUS_ERROR, rr_encode_apdu(nullptr, 1, &rr));
     rr.request_type = RR_BY_POSITION;

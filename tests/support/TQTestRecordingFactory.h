@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace TQWsTest {
+namespace TQTest {
 
 using TQ::BACnet::WS::MarkupFactory;
 using TQ::BACnet::WS::MetadataValue;
@@ -63,4 +63,4 @@ private:
     bool _arrays;
 };
 
-}  // namespace TQWsTest
+}  // namespace TQTest

@@ -1,58 +1,21 @@
 #pragma once
+// A small parent/child pair of tables and their entity classes, for the object-relational layer.
 
 #include "TQ/Utility/Data/EmbeddedDatabase.h"
 #include "TQ/Utility/Data/Entity.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
+#include "TQTestCatalogue.h"
+#include "TQTestSupport.h"
 
 #include <Poco/Data/Session.h>
 #include <Poco/Exception.h>
 #include <Poco/File.h>
 #include <Poco/Path.h>
-#include <Poco/TemporaryFile.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace TQTest {
-
-/// The message of the Poco exception `action` raises, or "<no exception>".
-template <class Action>
-std::string messageOf(Action&& action) {
-    try {
-        action();
-    } catch (const Poco::Exception& error) {
-        return error.message();
-    }
-    return "<no exception>";
-}
-
-/// A fresh embedded database in its own temporary directory, removed afterwards. It is also
-/// the process-wide session while it lives.
-class ScratchDatabase {
-public:
-    ScratchDatabase() : _dir(Poco::TemporaryFile::tempName()) {
-        Poco::File(_dir).createDirectories();
-        _file = Poco::Path(_dir, "scratch.db").toString();
-        db = TQ::Utility::Data::openEmbeddedDatabase(_file, &created);
-        TQ::Utility::Data::pDB = db.get();
-    }
-    ~ScratchDatabase() {
-        TQ::Utility::Data::pDB = nullptr;
-        db.reset();
-        Poco::File(_dir).remove(true);
-    }
-    Poco::Data::Session& session() { return db->getSession(); }
-    const std::string& file() const { return _file; }
-    const std::string& dir() const { return _dir; }
-
-    std::unique_ptr<TQ::Utility::Data::SmoDbSession> db;
-    bool created = false;
-
-private:
-    std::string _dir;
-    std::string _file;
-};
 
 /// probe_parent(id_probe_parent, label) and probe(id_probe, id_probe_parent, name, amount,
 /// note): a small parent/child pair for the object-relational layer.

@@ -1,71 +1,22 @@
-// Helpers of the codec tests in both folders. Decoders are handed heap blocks of exactly the input
-// size, so a single byte read too far is caught by the address sanitizer instead of landing in
-// slack; encoders write in front of guard bytes, so writing too far fails in every build.
 #pragma once
+// Helpers of the codec tests: encoders run their sizing and writing passes in front of guard
+// bytes, so writing too far fails in every build; decoders get exact-size blocks.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <memory>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <vector>
+#include "TQTestSupport.h"
 
 #include "tq_stack/context_decode.h"
 #include "tq_stack/rp.h"
 #include "tq_stack/rpm.h"
 #include "tq_stack/strings.h"
 
-namespace tq_test {
+#include <sstream>
 
-using Bytes = std::vector<uint8_t>;
-
-// "0C 00 00 00 05" to bytes; blanks are ignored.
-inline Bytes bytes(const std::string& hex) {
-    std::string digits;
-    for (char c : hex)
-        if (c != ' ') digits += c;
-    if (digits.size() % 2) throw std::invalid_argument("odd hex: " + hex);
-    Bytes out;
-    for (size_t i = 0; i < digits.size(); i += 2)
-        out.push_back(uint8_t(std::stoul(digits.substr(i, 2), nullptr, 16)));
-    return out;
-}
-
-inline std::string hex(const Bytes& v) {
-    std::string s;
-    char buf[4];
-    for (size_t i = 0; i < v.size(); ++i) {
-        std::snprintf(buf, sizeof buf, i ? " %02X" : "%02X", v[i]);
-        s += buf;
-    }
-    return s;
-}
-
-// The first `length` bytes (all by default), or the bytes from `from` on, in a block of their size.
-class ExactBuffer {
-public:
-    explicit ExactBuffer(const Bytes& in, size_t length = SIZE_MAX, size_t from = 0)
-        : _size(from >= in.size() ? 0 : std::min(length, in.size() - from)),
-          _data(new uint8_t[_size ? _size : 1]) {
-        for (size_t i = 0; i < _size; ++i) _data[i] = in[from + i];
-    }
-    explicit ExactBuffer(const std::string& hexText) : ExactBuffer(bytes(hexText)) {}
-    const uint8_t* data() const { return _data.get(); }
-    uint32_t size() const { return uint32_t(_size); }
-
-private:
-    size_t _size;
-    std::unique_ptr<uint8_t[]> _data;
-};
+namespace TQTest {
 
 // Runs the encoder's sizing pass (NULL buffer) and its writing pass; empty when either fails, when
 // they disagree, or when the writing pass touched the guard bytes behind the announced length.
 template <typename F>
-Bytes encoded(F encode) {
+Bytes encodedBy(F encode) {
     const int size = encode(nullptr);
     if (size < 0) return {};
     Bytes out(size_t(size) + 8, 0xEE);
@@ -78,11 +29,11 @@ Bytes encoded(F encode) {
 }
 
 // The bytes an encoder call writes into `p`, as hex text.
-#define ENCODED_HEX(call) tq_test::hex(tq_test::encoded([&](uint8_t* p) { return call; }))
+#define ENCODED_HEX(call) TQTest::hexText(TQTest::encodedBy([&](uint8_t* p) { return call; }))
 // What a decoder call returns for an exactly-sized copy of the hex text, given as `p` and `n`.
-#define DECODED(hexText, call)                           \
+#define DECODED(hexIn, call)                             \
     ([&] {                                               \
-        const tq_test::ExactBuffer buf_(hexText);        \
+        const TQTest::ExactBuffer buf_(hexIn);          \
         [[maybe_unused]] const uint8_t* p = buf_.data(); \
         [[maybe_unused]] const uint32_t n = buf_.size(); \
         return call;                                     \
@@ -93,11 +44,11 @@ Bytes encoded(F encode) {
 template <typename T, typename Encode, typename Decode>
 void bothWays(const std::string& example, const T& in, Encode encode, Decode decode) {
     SCOPED_TRACE(example);
-    EXPECT_EQ(example, hex(encoded([&](uint8_t* p) { return encode(p, in); })));
+    EXPECT_EQ(example, hexText(encodedBy([&](uint8_t* p) { return encode(p, in); })));
     ExactBuffer buf(example);
     T out{};
     ASSERT_EQ(int(buf.size()), decode(buf.data(), buf.size(), out));
-    EXPECT_EQ(example, hex(encoded([&](uint8_t* p) { return encode(p, out); })));
+    EXPECT_EQ(example, hexText(encodedBy([&](uint8_t* p) { return encode(p, out); })));
 }
 inline BACNET_READ_PROPERTY_DATA rpData(BACNET_OBJECT_TYPE type, uint32_t instance,
                                         BACNET_PROPERTY_ID property) {
@@ -141,7 +92,7 @@ inline std::string describe(const BACNET_APPLICATION_DATA_VALUE* v) {
             case BACNET_APPLICATION_TAG_DOUBLE: s << "f" << t.Double; break;
             case BACNET_APPLICATION_TAG_ENUMERATED: s << "e" << t.Enumerated; break;
             case BACNET_APPLICATION_TAG_OCTET_STRING:
-                s << "x" << hex(Bytes(t.Octet_String.value, t.Octet_String.value + t.Octet_String.length)); break;
+                s << "x" << hexText(Bytes(t.Octet_String.value, t.Octet_String.value + t.Octet_String.length)); break;
             case BACNET_APPLICATION_TAG_CHARACTER_STRING:
                 s << '"' << std::string(t.Character_String.value, t.Character_String.length) << '"'; break;
             case BACNET_APPLICATION_TAG_BIT_STRING:
@@ -179,4 +130,4 @@ inline std::string describe(const BACNET_READ_ACCESS_DATA* rad) {
 #define RECORD_ENCODER(f) [](uint8_t* p, const auto& d) { return f(p, &d); }
 #define RECORD_DECODER(f) [](const uint8_t* p, uint32_t n, auto& d) { return f(p, n, &d); }
 
-}  // namespace tq_test
+}  // namespace TQTest
