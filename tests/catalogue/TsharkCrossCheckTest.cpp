@@ -12,10 +12,11 @@
 #include <set>
 #include <sstream>
 
-using TQ::CatalogueTest::catalogue;
 using TQTest::CatalogueDb;
 
 namespace {
+
+const CatalogueDb& catalogue() { return CatalogueDb::get(); }
 
 // Analyser field -> catalogue type. Engineering units are not compared: the analyser registers
 // no value table for them.
