@@ -203,6 +203,9 @@ void SimObjects::addDemoSet(unsigned logRecords, unsigned extraAnalogValues) {
 }
 
 SimObject* SimObjects::find(uint32_t type, uint32_t instance) {
+    // The highest device instance addresses whichever device answers.
+    constexpr uint32_t kWildcardDevice = 4194303;
+    if (type == OBJECT_DEVICE && instance == kWildcardDevice) instance = _device;
     auto found = _objects.find(keyOf(type, instance));
     return found == _objects.end() ? nullptr : &found->second;
 }

@@ -106,6 +106,19 @@ TEST_F(NetworkToolTest, TrendLogAndTime) {
     expect({"timesync", "--broadcast"}, 0, "time sent\n");
 }
 
+TEST_F(NetworkToolTest, DiscoverListsAndStoresTheObjects) {
+    const std::string air = "\"analog-input,1\":{\"object-type\":\"analog-input\",\"object-name\":"
+                            "\"outside air temperature\",\"present-value\":21.5}";
+    for (const std::string& device : {std::string("1236"), "127.0.0.4:" + port}) {
+        const Ran ran = tool({"discover", device, "--store", "--alt", "json"});
+        EXPECT_EQ(0, ran.status) << ran.err;
+        EXPECT_NE(std::string::npos, ran.out.find(air)) << ran.out;
+        // The second discovery finds the stored device again instead of adding another.
+        EXPECT_NE(std::string::npos, ran.err.find("stored device 1236 with 9 objects")) << ran.err;
+        EXPECT_NE(std::string::npos, ran.err.find("(device key 1)")) << ran.err;
+    }
+}
+
 TEST_F(NetworkToolTest, DeviceErrorsAndSilence) {
     expect({"read", "1234", "analog-input,99", "present-value"}, 1, "", "unknown-object");
     expect({"read", "1234", "analog-input,1", "priority-array"}, 1, "", "unknown-property");
