@@ -67,6 +67,24 @@ void ValueContainer::markupT(MarkupFactory& factory, const std::string& name, bo
     if (list) factory.closeOpenMarkup();
 }
 
+template <class T>
+std::string& ValueContainer::getTypedString(std::string& out, const std::string& separator) const {
+    if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
+        base(held<T>()).getString(out);
+        return out;
+    }
+    const std::vector<T>& objects = held<std::vector<T>>();
+    out.clear();
+    for (size_t i = 0; i < objects.size(); ++i) {
+        if (i) out += separator;
+        // Each object is handed its position; the classes replace it with their own text.
+        std::string text = Poco::NumberFormatter::format(i + 1);
+        base(objects[i]).getString(text);
+        out += text;
+    }
+    return out;
+}
+
 std::string& ValueContainer::getString(std::string& out, const std::string& separator, bool asPrimitives) const {
     if (getDataType() == BACNET_DT_NULL) {
         out = "NULL";
@@ -88,24 +106,6 @@ std::string& ValueContainer::getString(std::string& out, const std::string& sepa
     }
     return ContainerClasses::withHeldClass(
         _value, [&](auto c) -> std::string& { return getTypedString<typename decltype(c)::type>(out, ", "); });
-}
-
-template <class T>
-std::string& ValueContainer::getTypedString(std::string& out, const std::string& separator) const {
-    if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
-        base(held<T>()).getString(out);
-        return out;
-    }
-    const std::vector<T>& objects = held<std::vector<T>>();
-    out.clear();
-    for (size_t i = 0; i < objects.size(); ++i) {
-        if (i) out += separator;
-        // Each object is handed its position; the classes replace it with their own text.
-        std::string text = Poco::NumberFormatter::format(i + 1);
-        base(objects[i]).getString(text);
-        out += text;
-    }
-    return out;
 }
 
 // The typed forms exist for every class a container holds.
