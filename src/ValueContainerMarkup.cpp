@@ -32,7 +32,11 @@ void appendPrimitive(std::string& out, const DataApplicationValue& value) {
     } else if (value.tag == static_cast<BACNET_APPLICATION_TAG>(BACNET_PSEUDO_TAG_CLOSING)) {
         out += '}';
     } else {
-        out += value.getText(false, BACNET_DT_NOT_FOUND, nullptr, nullptr, true);
+        try {
+            out += value.getText(false, BACNET_DT_NOT_FOUND, nullptr, nullptr, true);
+        } catch (const Poco::Exception&) {
+            out += "???";  // a value off the wire that has no text (a time out of range) is still shown
+        }
     }
 }
 
