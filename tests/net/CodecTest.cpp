@@ -10,6 +10,8 @@
 #include "tq_stack/rpm_server.h"
 #include "tq_stack/segment.h"
 
+#include "TQTestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -19,20 +21,8 @@
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-Bytes hexBytes(const std::string& hex) {
-    Bytes out;
-    for (size_t i = 0; i + 1 < hex.size();) {
-        if (hex[i] == ' ') {
-            ++i;
-            continue;
-        }
-        out.push_back(uint8_t(std::stoul(hex.substr(i, 2), nullptr, 16)));
-        i += 2;
-    }
-    return out;
-}
+using TQTest::Bytes;
+using TQTest::hex;
 
 // The first n bytes in a block of exactly that size.
 std::unique_ptr<uint8_t[]> exact(const Bytes& b, size_t n) {
@@ -68,7 +58,7 @@ TEST(Bvlc, DecodesEachFunctionsShapeAndRejectsTheRest) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.frame);
-        const Bytes b = hexBytes(c.frame);
+        const Bytes b = hex(c.frame);
         auto in = exact(b, b.size());
         BACNET_BVLC_MESSAGE m{};
         ASSERT_EQ(bvlc_decode(in.get(), uint32_t(b.size()), &m), c.result);
@@ -76,23 +66,23 @@ TEST(Bvlc, DecodesEachFunctionsShapeAndRejectsTheRest) {
         EXPECT_EQ(m.function, c.function);
         EXPECT_EQ(m.payload_len, c.payload);
     }
-    const Bytes forwarded = hexBytes("81 04 00 0C 7F 00 00 02 BA C0 01 00");
+    const Bytes forwarded = hex("81 04 00 0C 7F 00 00 02 BA C0 01 00");
     BACNET_BVLC_MESSAGE m{};
     bvlc_decode(forwarded.data(), uint32_t(forwarded.size()), &m);
-    EXPECT_EQ(Bytes(m.source, m.source + 6), hexBytes("7F 00 00 02 BA C0"));
+    EXPECT_EQ(Bytes(m.source, m.source + 6), hex("7F 00 00 02 BA C0"));
 }
 
 TEST(Bvlc, EncodersWriteWhatTheDecoderReads) {
     uint8_t frame[16];
     const uint8_t source[6] = {127, 0, 0, 9, 0xBA, 0xC1};
     EXPECT_EQ(bvlc_encode_result(frame, BVLC_RESULT_DISTRIBUTE_BROADCAST_TO_NETWORK_NAK), 6);
-    EXPECT_EQ(Bytes(frame, frame + 6), hexBytes("81 00 00 06 00 60"));
+    EXPECT_EQ(Bytes(frame, frame + 6), hex("81 00 00 06 00 60"));
     EXPECT_EQ(bvlc_encode_register_foreign_device(frame, 300), 6);
-    EXPECT_EQ(Bytes(frame, frame + 6), hexBytes("81 05 00 06 01 2C"));
+    EXPECT_EQ(Bytes(frame, frame + 6), hex("81 05 00 06 01 2C"));
     EXPECT_EQ(bvlc_encode_forwarded_npdu_header(frame, source, 2), 10);
-    EXPECT_EQ(Bytes(frame, frame + 10), hexBytes("81 04 00 0C 7F 00 00 09 BA C1"));
+    EXPECT_EQ(Bytes(frame, frame + 10), hex("81 04 00 0C 7F 00 00 09 BA C1"));
     EXPECT_EQ(bvlc_encode_npdu_header(frame, BVLC_DISTRIBUTE_BROADCAST_TO_NETWORK, 1472), 4);
-    EXPECT_EQ(Bytes(frame, frame + 4), hexBytes("81 09 05 C4"));
+    EXPECT_EQ(Bytes(frame, frame + 4), hex("81 09 05 C4"));
     EXPECT_EQ(bvlc_encode_npdu_header(frame, BVLC_FORWARDED_NPDU, 2), BACNET_STATUS_ERROR);
     EXPECT_EQ(bvlc_encode_npdu_header(frame, BVLC_ORIGINAL_UNICAST_NPDU, 65532), BACNET_STATUS_ERROR);
     EXPECT_EQ(bvlc_nak_for_function(BVLC_READ_FOREIGN_DEVICE_TABLE), BVLC_RESULT_READ_FDT_NAK);
@@ -126,10 +116,10 @@ TEST(Npdu, RoundTripsAndKnownBytes) {
         SCOPED_TRACE(c.name);
         uint8_t out[NPDU_MAX_HEADER_LEN];
         const int n = npdu_encode(out, &c.dest, &c.src, &c.data);
-        ASSERT_EQ(Bytes(out, out + std::max(n, 0)), hexBytes(c.bytes));
+        ASSERT_EQ(Bytes(out, out + std::max(n, 0)), hex(c.bytes));
         BACNET_ADDRESS dest{}, src{};
         BACNET_NPDU_DATA data{};
-        auto in = exact(hexBytes(c.bytes), size_t(n));
+        auto in = exact(hex(c.bytes), size_t(n));
         ASSERT_EQ(npdu_decode(in.get(), uint32_t(n), &dest, &src, &data), n);
         EXPECT_EQ(dest.net, c.dest.net);
         EXPECT_EQ(Bytes(dest.adr, dest.adr + dest.len), Bytes(c.dest.adr, c.dest.adr + c.dest.len));
@@ -140,7 +130,7 @@ TEST(Npdu, RoundTripsAndKnownBytes) {
         EXPECT_EQ(data.priority, c.data.priority);
         // Every shorter prefix is a truncated header.
         for (int cut = 0; cut < n; ++cut) {
-            auto part = exact(hexBytes(c.bytes), size_t(cut));
+            auto part = exact(hex(c.bytes), size_t(cut));
             EXPECT_EQ(npdu_decode(part.get(), uint32_t(cut), nullptr, nullptr, nullptr), BACNET_STATUS_ERROR) << cut;
         }
     }
@@ -149,7 +139,7 @@ TEST(Npdu, RoundTripsAndKnownBytes) {
     EXPECT_EQ(npdu_encode(nullptr, nullptr, &broadcastSource, &plain), BACNET_STATUS_ERROR);
     EXPECT_EQ(npdu_encode(nullptr, nullptr, &emptySource, &plain), BACNET_STATUS_ERROR);
     for (const char* bad : {"02 00", "01 20 00 00 00 FF", "01 08 FF FF 01 07", "01 08 00 00 01 07"}) {
-        const Bytes b = hexBytes(bad);
+        const Bytes b = hex(bad);
         EXPECT_EQ(npdu_decode(b.data(), uint32_t(b.size()), nullptr, nullptr, nullptr), BACNET_STATUS_ERROR) << bad;
     }
 }
@@ -158,19 +148,19 @@ TEST(Segments, HeadersAndAcknowledgements) {
     uint8_t out[8];
     const BACNET_COMPLEX_ACK_DATA seg{true, true, 9, 3, 16, SERVICE_CONFIRMED_READ_PROPERTY};
     ASSERT_EQ(apdu_encode_complex_ack(out, &seg), 5);
-    EXPECT_EQ(Bytes(out, out + 5), hexBytes("3C 09 03 10 0C"));
+    EXPECT_EQ(Bytes(out, out + 5), hex("3C 09 03 10 0C"));
     BACNET_COMPLEX_ACK_DATA back{};
     ASSERT_EQ(apdu_decode_complex_ack(out, 5, &back), 5);
     EXPECT_TRUE(back.segmented_message && back.more_follows);
     EXPECT_EQ(back.sequence_number, 3);
     EXPECT_EQ(back.proposed_window_size, 16);
     for (const char* bad : {"3C 09 03 00 0C", "3C 09 03 80 0C", "34 09 0C", "38 09 03 10", "20 09 0C"}) {
-        const Bytes b = hexBytes(bad);
+        const Bytes b = hex(bad);
         auto in = exact(b, b.size());
         EXPECT_EQ(apdu_decode_complex_ack(in.get(), uint32_t(b.size()), &back), BACNET_STATUS_ERROR) << bad;
     }
     EXPECT_EQ(apdu_encode_segment_ack(out, true, true, 1, 2, 3), 4);
-    EXPECT_EQ(Bytes(out, out + 4), hexBytes("43 01 02 03"));
+    EXPECT_EQ(Bytes(out, out + 4), hex("43 01 02 03"));
     bool nak = false, server = false;
     uint8_t id = 0, sequence = 0, window = 0;
     EXPECT_EQ(apdu_decode_segment_ack(out, 4, &nak, &server, &id, &sequence, &window), 4);
@@ -183,13 +173,13 @@ TEST(Segments, HeadersAndAcknowledgements) {
 }
 
 TEST(CreateObject, RequestsAcknowledgementsAndErrors) {
-    const Bytes name = hexBytes("75 04 00 41 42 43"), value = hexBytes("44 42 20 00 00");
+    const Bytes name = hex("75 04 00 41 42 43"), value = hex("44 42 20 00 00");
     BACNET_PROPERTY_VALUE_REF values[2] = {{PROP_OBJECT_NAME, BACNET_ARRAY_ALL, name.data(), 6, 0},
                                            {PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, value.data(), 5, 8}};
     BACNET_CREATE_OBJECT_DATA request{true, OBJECT_ANALOG_VALUE, 12, values, 2, 2};
     uint8_t apdu[64];
     const int n = create_object_encode_apdu(apdu, 5, &request);
-    ASSERT_EQ(Bytes(apdu, apdu + n), hexBytes("00 05 05 0A 0E 1C 00 80 00 0C 0F 1E 09 4D 2E 75 04 00 41 42 43 2F "
+    ASSERT_EQ(Bytes(apdu, apdu + n), hex("00 05 05 0A 0E 1C 00 80 00 0C 0F 1E 09 4D 2E 75 04 00 41 42 43 2F "
                                               "09 55 2E 44 42 20 00 00 2F 39 08 1F"));
     const Bytes body(apdu + 4, apdu + n);
     BACNET_PROPERTY_VALUE_REF got[2];
@@ -210,24 +200,24 @@ TEST(CreateObject, RequestsAcknowledgementsAndErrors) {
     back.capacity = 1;
     EXPECT_EQ(create_object_decode_service_request(body.data(), uint32_t(body.size()), &back), BACNET_STATUS_REJECT);
     // By type only, no initial values.
-    const Bytes byType = hexBytes("0E 09 13 0F");
+    const Bytes byType = hex("0E 09 13 0F");
     back.capacity = 0;
     ASSERT_EQ(create_object_decode_service_request(byType.data(), 4, &back), 4);
     EXPECT_FALSE(back.by_identifier);
     EXPECT_EQ(back.object_type, OBJECT_MULTI_STATE_VALUE);
 
     EXPECT_EQ(create_object_ack_encode_apdu(apdu, 5, OBJECT_ANALOG_VALUE, 12), 8);
-    EXPECT_EQ(Bytes(apdu, apdu + 8), hexBytes("30 05 0A C4 00 80 00 0C"));
+    EXPECT_EQ(Bytes(apdu, apdu + 8), hex("30 05 0A C4 00 80 00 0C"));
     BACNET_OBJECT_TYPE type;
     uint32_t instance = 0;
     EXPECT_EQ(create_object_ack_decode(apdu + 3, 5, &type, &instance), 5);
     EXPECT_EQ(create_object_ack_decode(apdu + 3, 4, &type, &instance), BACNET_STATUS_ERROR);
     EXPECT_EQ(delete_object_encode_apdu(apdu, 6, OBJECT_ANALOG_VALUE, 12), 9);
-    EXPECT_EQ(Bytes(apdu, apdu + 9), hexBytes("00 05 06 0B C4 00 80 00 0C"));
+    EXPECT_EQ(Bytes(apdu, apdu + 9), hex("00 05 06 0B C4 00 80 00 0C"));
 
     const int e = apdu_encode_error_with_element(apdu, 5, SERVICE_CONFIRMED_CREATE_OBJECT, ERROR_CLASS_PROPERTY,
                                                  ERROR_CODE_INVALID_DATA_TYPE, 2);
-    ASSERT_EQ(Bytes(apdu, apdu + e), hexBytes("50 05 0A 0E 91 02 91 09 0F 19 02"));
+    ASSERT_EQ(Bytes(apdu, apdu + e), hex("50 05 0A 0E 91 02 91 09 0F 19 02"));
     uint32_t element = 0;
     BACNET_ERROR_CODE code;
     EXPECT_EQ(apdu_decode_error_with_element(apdu, uint32_t(e), nullptr, nullptr, nullptr, &code, &element), e);
@@ -263,7 +253,7 @@ TEST(RpmServer, DecodesWhatClientsSendAndAnswersWhatTheyDecode) {
                   cut == 13 ? 13 : BACNET_STATUS_ERROR)
             << cut;
     }
-    const Bytes emptyList = hexBytes("0C 00 40 00 01 1E 1F");
+    const Bytes emptyList = hex("0C 00 40 00 01 1E 1F");
     EXPECT_EQ(rpm_decode_service_request(emptyList.data(), 7, nullptr, nullptr), BACNET_STATUS_ERROR);
 
     Bytes ack(256);

@@ -6,6 +6,8 @@
 #include "tq_stack/rp.h"
 #include "tq_stack/segment.h"
 
+#include "TQTestSupport.h"
+
 #include <gtest/gtest.h>
 #include <poll.h>
 
@@ -13,20 +15,8 @@ using namespace tq_net_test;
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-Bytes hexBytes(const std::string& hex) {
-    Bytes out;
-    for (size_t i = 0; i + 1 < hex.size();) {
-        if (hex[i] == ' ') {
-            ++i;
-            continue;
-        }
-        out.push_back(uint8_t(std::stoul(hex.substr(i, 2), nullptr, 16)));
-        i += 2;
-    }
-    return out;
-}
+using TQTest::Bytes;
+using TQTest::hex;
 
 // A raw UDP socket on 127.0.0.9 playing the misbehaving peer.
 struct Peer {
@@ -96,17 +86,17 @@ TEST(HostileFrames, DeviceDropsOrNaksAndStillAnswers) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const unsigned before = d.link.drops().count(c.counted);
-        peer.send(device, hexBytes(c.frame));
+        peer.send(device, hex(c.frame));
         const Bytes reply = peer.receive(*c.answer ? 1000 : 0);
         for (int i = 0; i < 200 && d.link.drops().count(c.counted) == before; ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         EXPECT_EQ(d.link.drops().count(c.counted), before + 1);
-        EXPECT_EQ(*c.answer ? reply : peer.receive(0), hexBytes(c.answer));
+        EXPECT_EQ(*c.answer ? reply : peer.receive(0), hex(c.answer));
     }
     // A segmented request is refused, and a request still gets its answer.
-    peer.send(device, Peer::unicast(hexBytes("08 05 01 00 01 0C 0C 02 00 00 07 19 4D")));
-    EXPECT_EQ(peer.receive(1000), hexBytes("81 0A 00 09 01 00 71 01 04"));
-    peer.send(device, Peer::unicast(hexBytes("00 05 02 0C 0C 02 00 00 07 19 4D")));
+    peer.send(device, Peer::unicast(hex("08 05 01 00 01 0C 0C 02 00 00 07 19 4D")));
+    EXPECT_EQ(peer.receive(1000), hex("81 0A 00 09 01 00 71 01 04"));
+    peer.send(device, Peer::unicast(hex("00 05 02 0C 0C 02 00 00 07 19 4D")));
     const Bytes answer = peer.receive(1000);
     ASSERT_GT(answer.size(), 9u);
     EXPECT_EQ(answer[6], 0x30);
