@@ -79,15 +79,14 @@ TEST(ReferenceCodec, CutsAndBrokenInputAreRefused) {
     expectEveryCutRefused(BACnetDeviceObjectPropertyReference(), hex("0C 00000003 19 57 29 08 3C 020004D2"),
                           {{7, 7}, {9, 9}});
     expectEveryCutRefused(BACnetPropertyReference(3), hex("39 57 49 10"), {{2, 2}});
-    expectMutationsStayInBounds<BACnetObjectPropertyReference>(hex("0C 00000003 19 57 29 08"));
+    // The device-object-property reference holds the object-property reference's members.
     expectMutationsStayInBounds<BACnetDeviceObjectReference>(hex("0C 020004D2 1C 00000003"));
-    expectMutationsStayInBounds<BACnetDeviceObjectPropertyReference>(
-        hex("0C 00000003 19 57 29 08 3C 020004D2"));
+    expectMutationsStayInBounds<BACnetDeviceObjectPropertyReference>(hex("0C 00000003 19 57 29 08 3C 020004D2"));
     expectMutationsStayInBounds<BACnetPropertyValue>(hex("09 55 2E 44 41AC0000 2F 39 08"));
     BACnetObjectPropertyReference ref(AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
     const BACnetObjectPropertyReference before = ref;
-    for (const char* broken :
-         {"19 55", "0C 00000003", "0C 00000003 29 08", "1C 00000003 19 55", "0C 00000003 19 55 29"}) {
+    // Cuts are swept above; here members missing or under the wrong tag.
+    for (const char* broken : {"19 55", "0C 00000003 29 08", "1C 00000003 19 55"}) {
         EXPECT_EQ(-1, decodeExactly(ref, hex(broken), hex(broken).size())) << broken;
         EXPECT_EQ(before, ref) << broken;
     }
@@ -106,29 +105,23 @@ TEST(ReferenceCodec, CutsAndBrokenInputAreRefused) {
 
 TEST(ObjectPropertyReference, DefaultsAndRequestRecords) {
     const BACnetObjectPropertyReference fresh;
-    EXPECT_EQ(0u, fresh.getObjectIdentifier().getValue());
-    EXPECT_FALSE(fresh.hasArrayIndex());
+    EXPECT_TRUE(fresh.getObjectIdentifier().getValue() == 0 && !fresh.hasArrayIndex());
     EXPECT_EQ(BACnetObjectPropertyReference::NO_PROPERTY, fresh.getPropertyIdentifier());
     EXPECT_EQ(BACNET_DT_OBJECT_PROPERTY_REFERENCE, fresh.getBACnetDataType());
     const BACnetObjectPropertyReference ref(ObjectIdentifier(OBJECT_TREND_LOG, 7), PROP_LOG_BUFFER, 4);
     // Request records come back as the same reference, with no data and no error yet.
     BACNET_READ_PROPERTY_DATA rp;
-    rp.application_data_len = 99;
-    ref.get(rp);
-    EXPECT_EQ(0, rp.application_data_len);
-    EXPECT_EQ(8, static_cast<int>(rp.error_class));
-    EXPECT_EQ(0, static_cast<int>(rp.error_code));
-    BACnetObjectPropertyReference fromRecord;
-    fromRecord = rp;
-    EXPECT_EQ(ref, fromRecord);
     BACNET_READ_RANGE_DATA rr;
-    rr.application_data_len = 99;
+    rp.application_data_len = rr.application_data_len = 99;
+    ref.get(rp);
     ref.get(rr);
-    EXPECT_EQ(0, rr.application_data_len);
-    EXPECT_EQ(8, static_cast<int>(rr.error_class));
-    fromRecord = BACnetObjectPropertyReference();
-    fromRecord = rr;
-    EXPECT_EQ(ref, fromRecord);
+    EXPECT_EQ(std::make_tuple(0, 8, 0, 0, 8), std::make_tuple(rp.application_data_len, int(rp.error_class),
+                                                              int(rp.error_code), rr.application_data_len,
+                                                              int(rr.error_class)));
+    BACnetObjectPropertyReference fromRp, fromRr;
+    fromRp = rp;
+    fromRr = rr;
+    EXPECT_TRUE(ref == fromRp && ref == fromRr);
     EXPECT_EQ(BACnetObjectPropertyReference(AI3, PROP_PRESENT_VALUE, 2),
               BACnetObjectPropertyReference(BACnetDeviceObjectPropertyReference(
                   AI3, PROP_PRESENT_VALUE, 2, ObjectIdentifier(OBJECT_DEVICE, 9))));
@@ -136,15 +129,12 @@ TEST(ObjectPropertyReference, DefaultsAndRequestRecords) {
 
 TEST(DeviceObjectReference, DefaultsMaskingAndKey) {
     const BACnetDeviceObjectReference none;
-    EXPECT_FALSE(none.hasDevice());
-    EXPECT_EQ(0u, none.getDeviceIdentifier().getValue());
-    EXPECT_EQ(1024u, none.objectIdentifier.type);
-    EXPECT_EQ(0x3FFFFFu, none.objectIdentifier.instance);
+    EXPECT_TRUE(!none.hasDevice() && none.getDeviceIdentifier().getValue() == 0);
+    EXPECT_EQ(std::make_tuple(1024u, 0x3FFFFFu),
+              std::make_tuple(unsigned(none.objectIdentifier.type), unsigned(none.objectIdentifier.instance)));
     EXPECT_EQ(BACNET_DT_DEVICE_OBJECT_REFERENCE, none.getBACnetDataType());
     // A device instance wider than 22 bits keeps only what the identifier can carry.
     const BACnetDeviceObjectReference ref(0x400000u | 1234u, OBJECT_ANALOG_INPUT, 3);
-    EXPECT_EQ(DEVICE1234, ref.getDeviceIdentifier());
-    EXPECT_EQ(AI3, ref.getObjectIdentifier());
     EXPECT_EQ(ref, BACnetDeviceObjectReference(DEVICE1234, AI3));
     EXPECT_NE(ref, BACnetDeviceObjectReference(1235u, AI3));
     EXPECT_NE(ref, BACnetDeviceObjectReference(1234u, ObjectIdentifier(OBJECT_ANALOG_INPUT, 4)));
@@ -152,14 +142,11 @@ TEST(DeviceObjectReference, DefaultsMaskingAndKey) {
     EXPECT_EQ(0x020004D200000003ull, ref.getKey());
     BACnetDeviceObjectReference back;
     back.setKey(ref.getKey());
-    EXPECT_EQ(ref, back);
-    EXPECT_EQ(OBJECT_DEVICE, back.deviceIdentifier.type);
+    EXPECT_TRUE(ref == back && back.deviceIdentifier.type == OBJECT_DEVICE);
     EXPECT_EQ(ref, BACnetDeviceObjectReference(0x000004D200000003ull));
     // All ones in the high word, and a decoded reference without device: no device, keyed as 0.
     const BACnetDeviceObjectReference local(0xFFFFFFFF00000003ull);
-    EXPECT_FALSE(local.hasDevice());
-    EXPECT_EQ(0u, local.deviceIdentifier.type);
-    EXPECT_EQ(0u, local.deviceIdentifier.instance);
+    EXPECT_TRUE(!local.hasDevice() && local.deviceIdentifier.type == 0 && local.deviceIdentifier.instance == 0);
     EXPECT_EQ(3ull, local.getKey());
     BACnetDeviceObjectReference decoded;
     ASSERT_EQ(5, decodeExactly(decoded, hex("1C 00000003"), 5));
@@ -183,10 +170,7 @@ TEST(DeviceObjectPropertyReference, DefaultsResetInitAndHexIdentifier) {
     EXPECT_EQ(fields(ref), std::make_tuple(1023u, 0u, 0xFFFFFEu, BACNET_ARRAY_ALL, 1023u, 0u));
     ref = full;
     ref.init();  // keeps object and property only
-    EXPECT_EQ(AI3, ref.getObjectIdentifier());
-    EXPECT_EQ(PROP_PRIORITY_ARRAY, ref.propertyIdentifier);
-    EXPECT_FALSE(ref.hasArrayIndex());
-    EXPECT_FALSE(ref.hasDevice());
+    EXPECT_EQ(BACnetDeviceObjectPropertyReference(AI3, PROP_PRIORITY_ARRAY, BACNET_ARRAY_ALL, NO_DEVICE), ref);
     // Every spelling of "no device" is the same reference.
     const BACnetDeviceObjectPropertyReference viaReset(AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, NO_DEVICE);
     BACnetDeviceObjectPropertyReference viaInit(viaReset);
@@ -208,8 +192,7 @@ TEST(PropertyValue, EncodesReferenceValueAndOptionalPriority) {
     value.setReal(21.5f);
     const BACnetPropertyValue withPriority(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 7),
                                            value, 8);
-    EXPECT_EQ(0u, withPriority.getFirstTag());
-    EXPECT_EQ(BACNET_DT_PROPERTY_VALUE, withPriority.getBACnetDataType());
+    EXPECT_TRUE(withPriority.getFirstTag() == 0 && withPriority.getBACnetDataType() == BACNET_DT_PROPERTY_VALUE);
     // [0] present-value  [2] { REAL 21.5 }  [3] 8
     const Bytes bytes = hex("09 55 2E 44 41AC0000 2F 39 08");
     EXPECT_EQ(bytes, encoded(withPriority));
@@ -218,13 +201,12 @@ TEST(PropertyValue, EncodesReferenceValueAndOptionalPriority) {
     // No property yet and a null value.
     const BACnetPropertyValue empty;
     EXPECT_EQ(hex("0B FFFFFE 2E 00 2F"), encoded(empty));
-    EXPECT_EQ(BACnetPropertyValue::NO_PRIORITY, empty.getPriority());
-    EXPECT_EQ(0, empty.encode(nullptr));
+    EXPECT_TRUE(empty.getPriority() == BACnetPropertyValue::NO_PRIORITY && empty.encode(nullptr) == 0);
     BACnetPropertyValue decoded;
     ASSERT_EQ(static_cast<int>(bytes.size()), decodeExactly(decoded, bytes, bytes.size()));
-    EXPECT_EQ(PROP_PRESENT_VALUE, decoded.getPropertyIdentifier());
-    EXPECT_EQ(8, decoded.getPriority());
-    EXPECT_FLOAT_EQ(21.5f, decoded.getValue().getReal(false));
+    EXPECT_EQ(std::make_tuple(PROP_PRESENT_VALUE, 8, 21.5f), std::make_tuple(decoded.getPropertyIdentifier(),
+                                                                           decoded.getPriority(),
+                                                                           decoded.getValue().getReal(false)));
     EXPECT_EQ(bytes, encoded(decoded));
     // A list value: every primitive between the tags is kept.
     const Bytes list = hex("09 57 2E 21 01 21 02 2F");
@@ -279,8 +261,7 @@ TEST(TrendLogLastUploaded, EncodesReferenceThenLocalDateTime) {
                                            localMoment(2024, 3, 15, 10, 20, 30, 450));
     EXPECT_EQ(hex("1C 05000001 A4 7C 03 0F 05 B4 0A 14 1E 2D"), encoded(local));
     const BACnetTrendLogLastUploaded fresh;
-    EXPECT_FALSE(fresh.hasDevice());
-    EXPECT_EQ(1024u, fresh.objectIdentifier.type);
+    EXPECT_TRUE(!fresh.hasDevice() && fresh.objectIdentifier.type == 1024);
     EXPECT_LE(std::abs(Poco::Timestamp() - fresh.getTimestamp()), 5 * Poco::Timestamp::resolution());
     EXPECT_EQ(0, fresh.getTimestamp().epochMicroseconds() % 10000);
 }
@@ -323,6 +304,5 @@ TEST(TrendLogLastUploaded, DateWithoutTimeIsMidnight) {
     link(dateOnly);
     const BACnetTrendLogLastUploaded midnight(DataPropertyInObject0(), dateOnly[0], &next);
     EXPECT_EQ(localMoment(2024, 3, 15, 0, 0, 0, 0), midnight.getTimestamp());
-    EXPECT_EQ(TREND_LOG1, midnight.getObjectIdentifier());
-    EXPECT_EQ(nullptr, next);
+    EXPECT_TRUE(midnight.getObjectIdentifier() == TREND_LOG1 && next == nullptr);
 }

@@ -390,17 +390,18 @@ TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
 
 TEST(UnconfirmedServices, WhoIsIAmTimeSyncExamplesAndLimits) {
     // Without limits: the bare header, decoded as -1 / -1.
-    EXPECT_EQ("10 08", ENCODED_HEX(whois_encode_apdu(p, -1, -1)));
+    const struct {
+        int32_t low, high;
+        const char* body;
+    } whois[] = {{-1, -1, ""}, {3, 3, "09 03 19 03"}, {0, BACNET_MAX_INSTANCE, "09 00 1B 3F FF FF"},
+                 {100, 200, "09 64 19 C8"}};
     int32_t low = 0, high = 0;
     EXPECT_EQ(0, whois_decode_service_request(nullptr, 0, &low, &high));
-    EXPECT_EQ(std::make_tuple(-1, -1), std::make_tuple(low, high));
-    EXPECT_EQ("10 08 09 03 19 03", ENCODED_HEX(whois_encode_apdu(p, 3, 3)));
-    EXPECT_EQ(4, DECODED("09 03 19 03", whois_decode_service_request(p, n, &low, &high)));
-    EXPECT_EQ(std::make_tuple(3, 3), std::make_tuple(low, high));
-    EXPECT_EQ("10 08 09 64 19 C8", ENCODED_HEX(whois_encode_apdu(p, 100, 200)));
-    EXPECT_EQ(4, DECODED("09 64 19 C8", whois_decode_service_request(p, n, &low, &high)));
-    EXPECT_EQ(std::make_tuple(100, 200), std::make_tuple(low, high));
-    EXPECT_EQ("10 08 09 00 1B 3F FF FF", ENCODED_HEX(whois_encode_apdu(p, 0, BACNET_MAX_INSTANCE)));
+    for (const auto& w : whois) {
+        EXPECT_EQ(hexText(hex(std::string("10 08 ") + w.body)), ENCODED_HEX(whois_encode_apdu(p, w.low, w.high)));
+        EXPECT_EQ(int(hex(w.body).size()), DECODED(w.body, whois_decode_service_request(p, n, &low, &high)));
+        EXPECT_EQ(std::make_tuple(w.low, w.high), std::make_tuple(low, high));
+    }
     EXPECT_EQ(BACNET_STATUS_ERROR, whois_encode_apdu(nullptr, 5, 4));
     EXPECT_EQ(BACNET_STATUS_ERROR, whois_encode_apdu(nullptr, 0, BACNET_MAX_INSTANCE + 1));
     for (const char* bad : {"09 00 1B 40 00 00", "09 05"})
