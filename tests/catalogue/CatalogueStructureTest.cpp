@@ -9,11 +9,12 @@
 #include <set>
 
 using TQTest::CatalogueDb;
-namespace {
-const CatalogueDb& catalogue() { return CatalogueDb::get(); }
-}  // namespace
 
 namespace {
+
+const CatalogueDb& catalogue() {
+    return CatalogueDb::get();
+}
 
 struct ConstructRow {
     long long id, parent, datatype, internal, context, markup, sort;
@@ -72,13 +73,9 @@ TEST(CatalogueConstructs, EveryReferencedTypeExists) {
     std::set<long long> knownMarkups(markups.begin(), markups.end());
     for (const auto& row : constructRows()) {
         EXPECT_TRUE(known.count(row.datatype)) << "construct row " << row.id;
-        if (row.internal >= 0) {
-            EXPECT_TRUE(known.count(row.internal))
-                << row.name << " of type " << row.datatype << " names unknown type " << row.internal;
-        }
-        if (row.markup >= 0) {
-            EXPECT_TRUE(knownMarkups.count(row.markup)) << "construct row " << row.id;
-        }
+        EXPECT_TRUE(row.internal < 0 || known.count(row.internal))
+            << row.name << " of type " << row.datatype << " names unknown type " << row.internal;
+        EXPECT_TRUE(row.markup < 0 || knownMarkups.count(row.markup)) << "construct row " << row.id;
     }
     for (long long type : catalogue().ints("SELECT id_bn_datatype FROM bn_properties_in_object"))
         EXPECT_TRUE(known.count(type)) << "property type " << type;
@@ -110,14 +107,12 @@ TEST(CatalogueConstructs, ShapesTheRendererCanWalk) {
         if (row.markup == kSequenceOf) {
             const ConstructRow* parent = byId.at(row.parent);
             bool elementOfListType = parent->id == parent->parent && parent->markup == kSequenceOf;
-            if (!elementOfListType) {
-                EXPECT_GE(row.internal, 16) << "list member " << row.name << " of " << row.datatype
-                                            << " names a bare primitive, which renders as one value";
-            }
+            EXPECT_TRUE(elementOfListType || row.internal >= 16)
+                << "list member " << row.name << " of " << row.datatype
+                << " names a bare primitive, which renders as one value";
         }
-        if (row.internal == kAny) {
-            EXPECT_LT(row.markup, 0) << "ABSTRACT-SYNTAX.&Type member " << row.id << " must carry no markup";
-        }
+        EXPECT_TRUE(row.internal != kAny || row.markup < 0)
+            << "ABSTRACT-SYNTAX.&Type member " << row.id << " must carry no markup";
     }
 }
 
@@ -216,16 +211,11 @@ TEST(CatalogueNumbers, TypesLieInTheRangesTheLibraryTellsApart) {
         long long markup = CatalogueDb::toInt(r[1]);
         std::string name = r[2].value_or("");
         bool namedValues = type > 16 && (markup == 8 || markup == 9);
-        if (namedValues && !pinnedEnums.count(type)) {
-            EXPECT_TRUE(type >= 5000 && type <= 6999) << name << " is " << type;
-        }
-        if (type >= 5000 && type <= 6999) {
-            EXPECT_TRUE(markup == 8 || markup == 9) << name << " is " << type;
-        }
-        if (type >= 3000 && type < 4000) {
-            EXPECT_EQ(name.rfind("Proprietary", 0), 0u) << name << " is " << type;
-        }
-        EXPECT_NE(type, 1999);
-        EXPECT_NE(type, 2000);
+        const bool inNamedRange = type >= 5000 && type <= 6999;
+        EXPECT_TRUE(!namedValues || pinnedEnums.count(type) || inNamedRange) << name << " is " << type;
+        EXPECT_TRUE(!inNamedRange || markup == 8 || markup == 9) << name << " is " << type;
+        EXPECT_TRUE(type < 3000 || type >= 4000 || name.rfind("Proprietary", 0) == 0)
+            << name << " is " << type;
+        EXPECT_TRUE(type != 1999 && type != 2000);
     }
 }

@@ -16,7 +16,9 @@ using TQTest::CatalogueDb;
 
 namespace {
 
-const CatalogueDb& catalogue() { return CatalogueDb::get(); }
+const CatalogueDb& catalogue() {
+    return CatalogueDb::get();
+}
 
 // Analyser field -> catalogue type. Engineering units are not compared: the analyser registers
 // no value table for them.

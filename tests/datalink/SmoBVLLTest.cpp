@@ -11,13 +11,14 @@
 
 #include <vector>
 
-using TQ::BACnet::DataLink::BVLL::BipPort;
-using TQ::BACnet::DataLink::BVLL::SmoBVLL;
-using TQ::BACnet::DataType::BACnetAddress;
+using namespace TQ::BACnet::DataLink::BVLL;
+using namespace TQ::BACnet::DataType;
 
 namespace {
 
-uint32_t ip(const char* text) { return inet_addr(text); }
+uint32_t ip(const char* text) {
+    return inet_addr(text);
+}
 
 sockaddr_in endpoint(uint32_t address, uint16_t port) {
     sockaddr_in to{};
@@ -71,13 +72,12 @@ TEST_F(SmoBVLLTest, OwnAddressFrameComesBackFromOwnAddress) {
     sockaddr_in from;
     std::memset(&from, 0xAA, sizeof from);
     socklen_t fromLength = sizeof from;
-    ASSERT_EQ(bvllRcvFromSocket(-1, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr*>(&from), &fromLength), 6);
+    ASSERT_EQ(
+        bvllRcvFromSocket(-1, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr*>(&from), &fromLength), 6);
     EXPECT_EQ(std::vector<uint8_t>(buffer, buffer + 6), frame);
-    EXPECT_EQ(fromLength, 10u);
-    EXPECT_EQ(from.sin_family, AF_INET);
-    EXPECT_EQ(from.sin_addr.s_addr, ip("127.0.0.2"));
-    EXPECT_EQ(from.sin_port, htons(47808));
-    EXPECT_EQ(std::vector<uint8_t>(from.sin_zero, from.sin_zero + 8), std::vector<uint8_t>(8, 0));
+    // Family, address, port and zero padding, nothing beyond the 10 bytes it reports.
+    const sockaddr_in own = endpoint(ip("127.0.0.2"), htons(47808));
+    EXPECT_TRUE(fromLength == 10 && std::memcmp(&from, &own, sizeof from) == 0);
     EXPECT_EQ(SmoBVLL::staticSocket.queued(), 0u);
 }
 
@@ -152,8 +152,7 @@ TEST_F(SmoBVLLTest, EmptyQueueReadsTheSocketOrNothing) {
     EXPECT_EQ(bvllRcvFromSocket(receiver.fd, buffer, sizeof buffer, 0, reinterpret_cast<sockaddr*>(&from),
                                 &fromLength),
               3);
-    EXPECT_EQ(fromLength, sizeof from);
-    EXPECT_EQ(from.sin_port, sender.at.sin_port);
+    EXPECT_TRUE(fromLength == sizeof from && from.sin_port == sender.at.sin_port);
 }
 
 TEST_F(SmoBVLLTest, AddressChangeFollowsServedDevicesAndInterfaces) {
@@ -185,8 +184,8 @@ TEST_F(SmoBVLLTest, AddressChangeFollowsServedDevicesAndInterfaces) {
         SCOPED_TRACE(c.name);
         BipPort::setAddress(ip("127.0.0.2"));
         EXPECT_EQ(bvllUpdateBipAddress(c.device, &c.address), c.result);
-        EXPECT_EQ(BipPort::getAddress(), c.address_after);
-        EXPECT_EQ(BipPort::getBroadcastAddress(), ip("127.255.255.255"));
+        EXPECT_EQ(std::make_tuple(c.address_after, ip("127.255.255.255")),
+                  std::make_tuple(BipPort::getAddress(), BipPort::getBroadcastAddress()));
     }
     EXPECT_EQ(bvllUpdateBipAddress(4711, nullptr), 0);
     TQ::BACnet::Server::LboDeviceManager::unregisterDeviceManager(4711);

@@ -12,9 +12,9 @@
 #include <unordered_set>
 #include <vector>
 
-using TQ::BACnet::Client::DataPropertyKey;
-using TQ::BACnet::Server::LboDeviceManager;
-using TQ::Peripherals::Entity::DvBus;
+using namespace TQ::BACnet::Client;
+using namespace TQ::BACnet::Server;
+using namespace TQ::Peripherals::Entity;
 
 TEST(LboDeviceManager, RegistryFindsRegistersAndForgets) {
     EXPECT_EQ(LboDeviceManager::findDeviceManager(1001, false), nullptr);
@@ -26,12 +26,13 @@ TEST(LboDeviceManager, RegistryFindsRegistersAndForgets) {
 
     auto created = LboDeviceManager::findDeviceManager(1002, true);
     ASSERT_NE(created, nullptr);
-    EXPECT_EQ(created->getDeviceInstance(), 1002u);
-    EXPECT_EQ(LboDeviceManager::findDeviceManager(1002, true), created) << "create does not replace";
+    EXPECT_TRUE(created->getDeviceInstance() == 1002 &&
+                LboDeviceManager::findDeviceManager(1002, true) == created)
+        << "create does not replace";
     EXPECT_EQ(LboDeviceManager::getDeviceInstances(), (std::vector<uint32_t>{1001, 1002}));
 
-    EXPECT_TRUE(LboDeviceManager::unregisterDeviceManager(1001));
-    EXPECT_FALSE(LboDeviceManager::unregisterDeviceManager(1001));
+    EXPECT_TRUE(LboDeviceManager::unregisterDeviceManager(1001) &&
+                !LboDeviceManager::unregisterDeviceManager(1001));
     EXPECT_EQ(LboDeviceManager::findDeviceManager(1001, false), nullptr);
     EXPECT_EQ(manager->getName(), "main") << "a held manager outlives its registration";
     EXPECT_TRUE(LboDeviceManager::unregisterDeviceManager(1002));
@@ -60,10 +61,8 @@ TEST(LboDeviceManager, ConcurrentCreatesAgreeOnOneManager) {
 
 TEST(DataPropertyKey, PartsOrderAndText) {
     DataPropertyKey key = DataPropertyKey::fromObject(260001, 8, 260001, 85);
-    EXPECT_EQ(key.getObjectIdentifier(), (8u << 22) | 260001u);
-    EXPECT_EQ(key.getObjectType(), 8u);
-    EXPECT_FALSE(key.hasArrayIndex());
-    EXPECT_EQ(key.toString(), "260001,8:260001,85");
+    EXPECT_TRUE(key.getObjectIdentifier() == ((8u << 22) | 260001u) && key.getObjectType() == 8);
+    EXPECT_TRUE(!key.hasArrayIndex() && key.toString() == "260001,8:260001,85");
     EXPECT_EQ(DataPropertyKey(1, 5, 87, 3).toString(), "1,0:5,87[3]");
     EXPECT_EQ(DataPropertyKey::fromObject(1, 1023, 0x7FFFFF, 1).getObjectInstance(), 0x3FFFFFu)
         << "instance cut to 22 bits";
@@ -77,8 +76,7 @@ TEST(DataPropertyKey, PartsOrderAndText) {
     byKey[DataPropertyKey(1, 2, 7, 0)] = 42;
     std::vector<DataPropertyKey> keys;
     for (const auto& entry : byKey) keys.push_back(entry.first);
-    EXPECT_EQ(keys, ordered);
-    EXPECT_EQ(byKey.begin()->second, 42);
+    EXPECT_TRUE(keys == ordered && byKey.begin()->second == 42);
 
     std::unordered_set<DataPropertyKey, TQ::BACnet::Client::DataPropertyKeyHash> hashed(ordered.begin(),
                                                                                         ordered.end());
@@ -93,9 +91,7 @@ TEST(DvBus, ReadsAndWritesTheBusTable) {
     DvBus bus(false);
     EXPECT_EQ(bus.getColName(DvBus::_COL_ID_DV_BUS_TYPE), "id_dv_bus_type");
     ASSERT_EQ(bus.retrieve(3), 1);
-    EXPECT_EQ(bus.getPK(), 3);
-    EXPECT_EQ(bus.getIdDvBusType(), 102);
-    EXPECT_EQ(bus.getName(), "") << "NULL name";
+    EXPECT_TRUE(bus.getPK() == 3 && bus.getIdDvBusType() == 102 && bus.getName().empty()) << "NULL name";
     EXPECT_EQ(bus.retrieve(4), 0);
 
     DvBus fresh(true);
@@ -105,7 +101,6 @@ TEST(DvBus, ReadsAndWritesTheBusTable) {
     ASSERT_EQ(server.update(fresh, nullptr), 1);
     DvBus back(false);
     ASSERT_EQ(back.retrieve(fresh.getPK()), 1);
-    EXPECT_EQ(back.getName(), "rs485");
-    EXPECT_EQ(back.getIdDvBusType(), 7);
+    EXPECT_TRUE(back.getName() == "rs485" && back.getIdDvBusType() == 7);
     EXPECT_EQ(TQTest::messageOf([] { DvBus(false).getIdDvBusType(); }), "Can not convert empty value.");
 }

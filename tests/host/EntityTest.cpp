@@ -5,9 +5,8 @@
 #include <gtest/gtest.h>
 
 using Poco::Dynamic::Var;
-using TQ::Utility::Data::Entity;
-using TQTest::Probe;
-using TQTest::ProbeParent;
+using namespace TQ::Utility::Data;
+using namespace TQTest;
 
 TEST(Entity, ColumnsFlagsKeysAndCopies) {
     Probe probe(true);
@@ -17,9 +16,7 @@ TEST(Entity, ColumnsFlagsKeysAndCopies) {
     EXPECT_THROW(probe.setVar(-1, 1, true), Poco::RangeException);
     EXPECT_EQ(probe.getPK(), -1);
     probe.setPK(12, true);
-    EXPECT_EQ(probe(), 12);
-    EXPECT_EQ(probe.getVar(0).convert<int>(), 12);
-    EXPECT_TRUE(probe.isChanged(0));
+    EXPECT_TRUE(probe() == 12 && probe.getVar(0).convert<int>() == 12 && probe.isChanged(0));
     probe.setVar(Probe::_COL_NAME, std::string("a"), true);
     probe.setVar(Probe::_COL_NAME, std::string("b"), false);
     EXPECT_FALSE(probe.isChanged(Probe::_COL_NAME)) << "the changed mark follows the last setVar";
@@ -27,14 +24,10 @@ TEST(Entity, ColumnsFlagsKeysAndCopies) {
 
     Probe other(false);
     other.setPK(3, false);
-    EXPECT_TRUE(other < probe);
-    EXPECT_FALSE(probe < other);
+    EXPECT_TRUE(other < probe && !(probe < other));
     other.copyBaseStuff(probe);
-    EXPECT_EQ(other.getPK(), 12);
-    EXPECT_TRUE(other.isNew());
-    EXPECT_EQ(other.getName(), "b");
-    EXPECT_FALSE(other.isUpdateable(Probe::_COL_AMOUNT));
-    EXPECT_TRUE(other.isChanged(0));
+    EXPECT_TRUE(other.getPK() == 12 && other.isNew() && other.getName() == "b");
+    EXPECT_TRUE(!other.isUpdateable(Probe::_COL_AMOUNT) && other.isChanged(0));
 }
 
 TEST(Entity, EmptyColumnsReadAsNullOrRaise) {
@@ -69,8 +62,7 @@ TEST(Entity, ParentAndChildConditions) {
     EXPECT_EQ(parent.getChildsWhere(binds, &where, &extraBinds, &alias),
               "a.id_probe_parent=? AND (amount>? OR name=?)");
     ASSERT_EQ(binds.size(), 3u);
-    EXPECT_EQ(binds[0].convert<int>(), 9);
-    EXPECT_EQ(binds[2].convert<std::string>(), "n");
+    EXPECT_TRUE(binds[0].convert<int>() == 9 && binds[2].convert<std::string>() == "n");
 }
 
 TEST(Entity, SingleValueLookups) {

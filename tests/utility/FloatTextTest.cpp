@@ -35,28 +35,12 @@ float fromBits(uint32_t bits) {
 // The fast path must agree with the general algorithm everywhere: on the decimals sensors
 // report, on the boundaries of its window, and on arbitrary bit patterns.
 TEST(FloatText, AgreesWithTheGeneralAlgorithm) {
-    const float edges[] = {0.0f,
-                           -0.0f,
-                           1e-3f,
-                           9.99e-4f,
-                           1e7f,
-                           9999999.0f,
-                           1e6f,
-                           1e5f,
-                           123456.7f,
-                           -21.5f,
-                           0.1f,
-                           1.0f / 3,
-                           16777216.0f,
-                           100.0f,
-                           0.001f,
-                           0.0015f,
-                           std::numeric_limits<float>::infinity(),
-                           -std::numeric_limits<float>::infinity(),
-                           std::numeric_limits<float>::quiet_NaN(),
-                           std::numeric_limits<float>::denorm_min(),
-                           std::numeric_limits<float>::max(),
-                           std::numeric_limits<float>::lowest()};
+    using L = std::numeric_limits<float>;
+    const float edges[] = {0.0f,       -0.0f,         1e-3f,          9.99e-4f,       1e7f,
+                           9999999.0f, 1e6f,          1e5f,           123456.7f,      -21.5f,
+                           0.1f,       1.0f / 3,      16777216.0f,    100.0f,         0.001f,
+                           0.0015f,    L::infinity(), -L::infinity(), L::quiet_NaN(), L::denorm_min(),
+                           L::max(),   L::lowest()};
     for (const float value : edges) EXPECT_EQ(fast(value), reference(value)) << reference(value);
     for (int i = -50000; i <= 50000; ++i) {
         for (const float value : {static_cast<float>(i) / 10.0f, static_cast<float>(i) / 100.0f,

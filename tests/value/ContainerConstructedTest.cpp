@@ -1,7 +1,8 @@
 // The value container's constructed half: values built from decoded primitives and broken down
 // again, printed, rendered and merged.
-#include "TQTestSupport.h"
 #include "TQTestCatalogue.h"
+#include "TQTestRecordingFactory.h"
+#include "TQTestSupport.h"
 
 #include "TQ/Utility/Data/SmoDbSession.h"
 #include "TQ/Utility/OctetBuffer.h"
@@ -27,7 +28,8 @@ using Values = std::vector<DataApplicationValue>;
 using Descriptor = ValueContainer::DataPropertyInObject;
 
 Descriptor constructed(unsigned datatype, BACnetDataTypeStructure structure) {
-    return Descriptor(static_cast<BACnetDataType>(datatype), BACNET_APPLICATION_TAG_NULL, structure, false, 4);
+    return Descriptor(static_cast<BACnetDataType>(datatype), BACNET_APPLICATION_TAG_NULL, structure, false,
+                      4);
 }
 
 // What a decoded chain of primitives becomes under a constructed descriptor.
@@ -81,26 +83,6 @@ ValueContainer logOf(int first, int count) {
     return c;
 }
 
-// Remembers the kind and name of every markup it is handed.
-class Recorder : public WS::MarkupFactory {
-public:
-    explicit Recorder(std::ostream& out) : MarkupFactory(out, false, false, -1) {}
-    void append(const std::string&) override {}
-    bool allowArrays() const override { return false; }
-    int descMarkup(BaseType type, const std::string& name, const std::string&, unsigned int,
-                   const std::vector<WS::MetadataValue>*) override {
-        opened.push_back({type, name});
-        return 0;
-    }
-    void descCloseOpenMarkup(const std::string&, bool) override {}
-    void descStringEncode(std::string&) override {}
-    struct Opened {
-        BaseType baseType;
-        std::string name;
-    };
-    std::vector<Opened> opened;
-};
-
 const ObjectIdentifier AI3(OBJECT_ANALOG_INPUT, 3);
 const ObjectIdentifier DEVICE1234(OBJECT_DEVICE, 1234);
 
@@ -118,9 +100,7 @@ TEST(ContainerConstructed, KeepsThePrimitivesOfWhatNoClassReads) {
     // No class for 1029; the recipient refuses primitives; an Error takes none of them, and a
     // reference cannot start with an Unsigned: each falls back without hanging or throwing.
     const Values dor = chainOf<BACnetObjectPropertyReference>({{AI3, PROP_PRESENT_VALUE, 2}});
-    Values unsignedFirst(2);
-    unsignedFirst[0].setUInt(1);
-    unsignedFirst[1].setUInt(2);
+    Values unsignedFirst{TQTest::uintValue(1), TQTest::uintValue(2)};
     ValueContainer().setApplicationValueLinks(unsignedFirst);
     const struct {
         unsigned datatype;
@@ -129,12 +109,9 @@ TEST(ContainerConstructed, KeepsThePrimitivesOfWhatNoClassReads) {
     for (const auto& k : cases) {
         SCOPED_TRACE(k.datatype);
         ValueContainer c;
-        const std::string said = stdoutOf([&] {
-            build(c, k.chain, k.datatype, BACNET_DTS_ARRAY);
-        });
+        const std::string said = stdoutOf([&] { build(c, k.chain, k.datatype, BACNET_DTS_ARRAY); });
         EXPECT_NE(std::string::npos, said.find("UNSUPPORTED COMPLEX TYPE!"));
-        EXPECT_TRUE(c.isPrimitive());
-        EXPECT_EQ(k.chain.size(), held<DataApplicationValue>(c).size());
+        EXPECT_TRUE(c.isPrimitive() && held<DataApplicationValue>(c).size() == k.chain.size());
     }
 }
 
@@ -144,10 +121,11 @@ TEST(ContainerConstructed, BreaksDownIntoPrimitivesThatBuildTheSameValue) {
     const uint8_t router[] = {3};
     remote.setAddr(router, 1);
     std::vector<ValueContainer> originals(3);
-    build(originals[0],
-          chainOf<BACnetDeviceObjectPropertyReference>({{AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, DEVICE1234},
-                                                        {AI3, PROP_PRIORITY_ARRAY, 3, ObjectIdentifier()}}),
-          1028, BACNET_DTS_LIST);
+    build(
+        originals[0],
+        chainOf<BACnetDeviceObjectPropertyReference>({{AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, DEVICE1234},
+                                                      {AI3, PROP_PRIORITY_ARRAY, 3, ObjectIdentifier()}}),
+        1028, BACNET_DTS_LIST);
     build(originals[1], chainOf<BACnetDateTime>({BACnetDateTime()}), 1026, BACNET_DTS_SINGLE_VALUE);
     build(originals[2], chainOf<BACnetAddress>({remote}), 1105, BACNET_DTS_SINGLE_VALUE);
     for (const ValueContainer& original : originals) {
@@ -165,7 +143,8 @@ TEST(ContainerConstructed, BreaksDownIntoPrimitivesThatBuildTheSameValue) {
 
 TEST(ContainerConstructed, PrintsObjectsOrTheirTaggedPrimitives) {
     ValueContainer c;
-    build(c, chainOf<BACnetObjectPropertyReference>({{AI3, PROP_PRESENT_VALUE, 2}}), 1060, BACNET_DTS_SINGLE_VALUE);
+    build(c, chainOf<BACnetObjectPropertyReference>({{AI3, PROP_PRESENT_VALUE, 2}}), 1060,
+          BACNET_DTS_SINGLE_VALUE);
     std::string out;
     EXPECT_EQ("[0] 0,3 | [1] 85 | [2] 2", c.getString(out, " | ", true));
     EXPECT_EQ("0C0000000319552902", c.getString(out, " | ", false));
@@ -212,19 +191,17 @@ TEST(ContainerConstructed, MergeRefusesOtherTypesAndLeavesBothAlone) {
     EXPECT_FALSE(log.merge(reals, 0, reason));
     EXPECT_NE(std::string::npos, reason.find("does not merge"));
     EXPECT_FALSE(reals.merge(log, 0, reason));
-    EXPECT_EQ(2u, held<BACnetLogRecord>(log).size());
-    EXPECT_EQ("1|2", reals.getText(text, false));
+    EXPECT_TRUE(held<BACnetLogRecord>(log).size() == 2 && reals.getText(text, false) == "1|2");
     // Primitives merge alike: a single value is a vector of one.
     EXPECT_TRUE(reals.merge(single, 2, reason)) << reason;
     EXPECT_EQ("1|2|3", reals.getText(text, false));
     EXPECT_TRUE(single.merge(reals, 1, reason)) << reason;
-    EXPECT_EQ("3|1|2|3", single.getText(text, false));
-    EXPECT_EQ(BACNET_DTS_ARRAY, single.getStructure());
+    EXPECT_TRUE(single.getText(text, false) == "3|1|2|3" && single.getStructure() == BACNET_DTS_ARRAY);
 }
 
 TEST(ContainerConstructed, RendersOneObjectBareAndSeveralAsAList) {
     std::ostringstream out;
-    Recorder f(out);
+    TQTest::RecordingFactory f(out);
     ValueContainer c;
     build(c, chainOf<BACnetDateTime>({BACnetDateTime()}), 1026, BACNET_DTS_SINGLE_VALUE);
     c.markup(f, "v", false, BACNET_DT_NULL);
@@ -235,12 +212,11 @@ TEST(ContainerConstructed, RendersOneObjectBareAndSeveralAsAList) {
     ValueContainer none;
     none.markup(f, "n", false, BACNET_DT_NULL);
     ASSERT_EQ(5u, f.opened.size());
-    EXPECT_EQ(TQ::BACnet::WS::MarkupFactory::BT_DATE_TIME, f.opened[0].baseType);
-    EXPECT_EQ("v", f.opened[0].name);
-    EXPECT_EQ(TQ::BACnet::WS::MarkupFactory::BT_LIST, f.opened[1].baseType);
-    EXPECT_EQ("2", f.opened[3].name);
-    EXPECT_EQ(TQ::BACnet::WS::MarkupFactory::BT_NULL, f.opened[4].baseType);
-    EXPECT_EQ(0u, f.getOpenMarkupCount());
+    using M = TQ::BACnet::WS::MarkupFactory;
+    EXPECT_EQ(
+        std::make_tuple(M::BT_DATE_TIME, std::string("v"), M::BT_LIST, std::string("2"), M::BT_NULL, 0u),
+        std::make_tuple(f.opened[0].baseType, f.opened[0].name, f.opened[1].baseType, f.opened[3].name,
+                        f.opened[4].baseType, unsigned(f.getOpenMarkupCount())));
     ValueContainer reals;
     reals.setText(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL, "1|2", false);
     EXPECT_THROW(reals.markup(f, "r", false, BACNET_DT_REAL), Poco::BadCastException);
@@ -260,10 +236,8 @@ TEST(ContainerLooseEnds, CatalogueFailureInDecodeIsAnError) {
     EXPECT_NO_THROW(result = c.decode(real.data(), 5, 0, static_cast<BACNET_OBJECT_TYPE>(57),
                                       static_cast<BACNET_PROPERTY_ID>(4000), -1, error));
     TQ::Utility::Data::pDB = session;
-    EXPECT_EQ(-1, result);
-    EXPECT_EQ(ERROR_CLASS_DEVICE, errorClass);
-    EXPECT_EQ(ERROR_CODE_OPERATIONAL_PROBLEM, errorCode);
-    EXPECT_EQ(1.0f, c.getReal(false));
+    EXPECT_EQ(std::make_tuple(-1, ERROR_CLASS_DEVICE, ERROR_CODE_OPERATIONAL_PROBLEM, 1.0f),
+              std::make_tuple(result, errorClass, errorCode, c.getReal(false)));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "TQ_BACnet/WS/MetadataValue.h"
 
 #include "TQTestRecordingFactory.h"
+#include "TQTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -20,54 +21,43 @@ TEST(DataApplicationValueMarkup, oneCompleteMarkupOfTheValuesOwnKind) {
     std::ostringstream sink;
     RecordingFactory factory(sink, false, true);
 
-    BN::DataApplicationValue real;
-    real.setReal(21.5f);
+    const BN::DataApplicationValue real = TQTest::realValue(21.5f);
     real.markup(factory, "present-value", false, BN::BACNET_DT_REAL, false, 0, false);
     BN::DataApplicationValue text;
     text.setCharString("a<b");
     text.markup(factory, "name", true, BN::BACNET_DT_CHARACTER_STRING, true, 0, false);
     const BN::DataApplicationValue nullUnsigned(BACNET_APPLICATION_TAG_UNSIGNED_INT, false);
     nullUnsigned.markup(factory, "n", false, BN::BACNET_DT_UNSIGNED_INT, false, 0, false);
-    BN::DataApplicationValue tagged;
-    tagged.setUInt(5);
-    tagged.context_specific = true;
-    tagged.context_tag = 3;
+    const BN::DataApplicationValue tagged = TQTest::context(TQTest::uintValue(5), 3);
     tagged.markup(factory, "t", false, BN::BACNET_DT_UNSIGNED_INT, false, 0, false);
     BN::DataApplicationValue bits;
     BN::DataType::BitString three;
     three.setBitsUsed(3);
     bits.setBitString(three);
     bits.markup(factory, "b", false, BN::BACNET_DT_BIT_STRING, false, 0, true);
-    BN::DataApplicationValue reserved;
-    reserved.setUInt(1);
+    BN::DataApplicationValue reserved = TQTest::uintValue(1);
     reserved.tag = static_cast<BACNET_APPLICATION_TAG>(13);
     reserved.markup(factory, "r", false, BN::BACNET_DT_UNSIGNED_INT, false, 0, false);
 
     ASSERT_EQ(6u, factory.opened.size());
+    // Kind and text of each; the string's escaping is the writer's; a value with no text form
+    // still renders, visibly marked.
+    const std::pair<MarkupFactory::BaseType, std::string> kinds[] = {
+        {MarkupFactory::BT_REAL, "21.5"},
+        {MarkupFactory::BT_STRING, "a<b"},
+        {MarkupFactory::BT_NULL, "NULL"},
+        {MarkupFactory::BT_UNSIGNED, "5"},
+        {MarkupFactory::BT_BIT_STRING, "false,false,false"},
+        {static_cast<MarkupFactory::BaseType>(13), "???"},
+    };
+    for (size_t i = 0; i < 6; ++i)
+        EXPECT_EQ(kinds[i], std::make_pair(factory.opened[i].baseType, factory.opened[i].value)) << i;
     const auto& r = factory.opened[0];
-    EXPECT_EQ(MarkupFactory::BT_REAL, r.baseType);
-    EXPECT_EQ("present-value", r.name);
-    EXPECT_EQ("21.5", r.value);
-    EXPECT_EQ(MarkupFactory::MF_COMPLETE, r.flags);
-    EXPECT_TRUE(r.metadata.empty());
-
-    const auto& s = factory.opened[1];
-    EXPECT_EQ(MarkupFactory::BT_STRING, s.baseType);
-    EXPECT_EQ("a<b", s.value) << "the writer escapes, not the value";
-    EXPECT_EQ(MarkupFactory::MF_COMPLETE | MarkupFactory::MF_ROOT | MarkupFactory::MF_ARRAY, s.flags);
-
-    EXPECT_EQ(MarkupFactory::BT_NULL, factory.opened[2].baseType);
-    EXPECT_EQ("NULL", factory.opened[2].value);
-
+    EXPECT_TRUE(r.name == "present-value" && r.flags == MarkupFactory::MF_COMPLETE && r.metadata.empty());
+    EXPECT_EQ(MarkupFactory::MF_COMPLETE | MarkupFactory::MF_ROOT | MarkupFactory::MF_ARRAY,
+              factory.opened[1].flags);
     // The context tag travels as metadata.
     ASSERT_EQ(1u, factory.opened[3].metadata.size());
-    EXPECT_EQ(2105, factory.opened[3].metadata[0].getMetadata());
-    EXPECT_EQ("3", factory.opened[3].metadata[0].getValue());
-
-    EXPECT_EQ(MarkupFactory::BT_BIT_STRING, factory.opened[4].baseType);
-    EXPECT_EQ("false,false,false", factory.opened[4].value);
-
-    // A value with no text form still renders, visibly marked.
-    EXPECT_EQ("???", factory.opened[5].value);
-    EXPECT_EQ(static_cast<MarkupFactory::BaseType>(13), factory.opened[5].baseType);
+    EXPECT_TRUE(factory.opened[3].metadata[0].getMetadata() == 2105 &&
+                factory.opened[3].metadata[0].getValue() == "3");
 }

@@ -1,8 +1,8 @@
+#include "TQTestCatalogue.h"
+#include "TQTestSupport.h"
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataType/ObjectIdentifier.h"
 #include "TQ_BACnet/ProtocolText.h"
-#include "TQTestCatalogue.h"
-#include "TQTestSupport.h"
 
 using TQ::BACnet::ProtocolText;
 using TQTest::messageOf;
@@ -25,15 +25,12 @@ protected:
 TEST_F(ProtocolTextCatalogue, namesResolveThroughTheCatalogue) {
     BACNET_OBJECT_TYPE type = static_cast<BACNET_OBJECT_TYPE>(99);
     EXPECT_TRUE(ProtocolText::objectTypeIndex("device", type));
-    EXPECT_EQ(8u, type);
-    EXPECT_FALSE(ProtocolText::objectTypeIndex("no-such-type", type));
-    EXPECT_EQ(8u, type);
+    EXPECT_TRUE(!ProtocolText::objectTypeIndex("no-such-type", type) && type == 8);
     EXPECT_EQ(0u, ProtocolText::objectTypeId("analog-input").value());
     EXPECT_TRUE(ProtocolText::objectTypeId("Device").isNull());  // names compare exactly
 
     BACNET_PROPERTY_ID property = static_cast<BACNET_PROPERTY_ID>(0);
-    EXPECT_TRUE(ProtocolText::propertyIndex("present-value", property));
-    EXPECT_EQ(85u, property);
+    EXPECT_TRUE(ProtocolText::propertyIndex("present-value", property) && property == 85);
     EXPECT_EQ(85u, ProtocolText::propertyId("present-value").value());
     EXPECT_TRUE(ProtocolText::propertyId("device").isNull());
 }
@@ -48,8 +45,7 @@ TEST_F(ProtocolTextCatalogue, objectIdentifiersAndValuesUseTheNames) {
     v.setObjectIdentifier(ObjectIdentifier(static_cast<BACNET_OBJECT_TYPE>(8), 1));
     EXPECT_EQ("8,1", v.getText(false, TQ::BACnet::BACNET_DT_NOT_FOUND, nullptr, nullptr, true));
     EXPECT_EQ("device,1", v.getText(true, TQ::BACnet::BACNET_DT_NOT_FOUND, nullptr, nullptr, true));
-    v.setText(BACNET_APPLICATION_TAG_OBJECT_ID, "device,1", false);
-    EXPECT_EQ(8u, v.type.Object_Id.type);
+    EXPECT_EQ(8u, (v.setText(BACNET_APPLICATION_TAG_OBJECT_ID, "device,1", false), v.type.Object_Id.type));
 }
 
 TEST_F(ProtocolTextCatalogue, enumerationsAndBitsPrintByName) {

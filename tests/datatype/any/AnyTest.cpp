@@ -49,42 +49,35 @@ TEST(BACnetComplex, contextFramingAndHexText) {
     EXPECT_EQ(0, v.encodeContext(nullptr, 3));
 
     OneUnsigned r;
-    EXPECT_EQ(4, r.decodeContext(out, 4u, 3));
-    EXPECT_EQ(7u, r.value);
+    EXPECT_TRUE(r.decodeContext(out, 4u, 3) == 4 && r.value == 7);
     const uint8_t wrongClose[] = {0x3E, 0x21, 0x07, 0x4F};
-    EXPECT_EQ(-1, r.decodeContext(wrongClose, 4u, 3));
-    EXPECT_EQ(-1, r.decodeContext(out, 4u, 2));
-    EXPECT_EQ(-1, r.decodeContext(out, 3u, 3));  // the closing tag lies past the given length
+    // Another closing tag, another tag number, the closing tag past the given length.
+    EXPECT_EQ(std::make_tuple(-1, -1, -1),
+              std::make_tuple(r.decodeContext(wrongClose, 4u, 3), r.decodeContext(out, 4u, 2),
+                              r.decodeContext(out, 3u, 3)));
 
     // Tag numbers from 15 on are extended: two framing octets each side.
     ASSERT_EQ(6, v.encodeContext(out, 20));
     EXPECT_EQ(0, std::memcmp(out, "\xFE\x14\x21\x07\xFF\x14", 6));
     EXPECT_EQ(6, r.decodeContext(out, 6u, 20));
-    EXPECT_TRUE(r.setString("FE142108FF14"));
-    EXPECT_EQ(8u, r.value);
+    EXPECT_TRUE(r.setString("FE142108FF14") && r.value == 8);
 
-    std::string text;
+    std::string text, failed;
     v.getString(text);
-    EXPECT_EQ("2107", text);
     v.value = 300;
-    v.getString(text);
-    EXPECT_EQ("", text);
+    v.getString(failed);
+    EXPECT_TRUE(text == "2107" && failed.empty());
 
     // Bare or context-tagged hexadecimal reads; bad hexadecimal is a plain false.
-    EXPECT_TRUE(r.setString("2109"));
-    EXPECT_EQ(9u, r.value);
-    EXPECT_TRUE(r.setString("5E210B5F"));
-    EXPECT_EQ(11u, r.value);
+    EXPECT_TRUE(r.setString("2109") && r.value == 9);
+    EXPECT_TRUE(r.setString("5E210B5F") && r.value == 11);
     for (const char* bad : {"210", "21zz", "", "4F"}) EXPECT_FALSE(r.setString(bad)) << bad;
 
     std::vector<BN::DataApplicationValue> primitives;
     EXPECT_THROW(v.getBACnetPrimitives(primitives), Poco::NotImplementedException);
-    const auto open = v.getOpenTag(4);
-    const auto close = v.getCloseTag(4);
-    EXPECT_EQ(BACNET_PSEUDO_TAG_OPENING, open.tag);
-    EXPECT_EQ(BACNET_PSEUDO_TAG_CLOSING, close.tag);
-    EXPECT_TRUE(open.context_specific && close.context_specific);
-    EXPECT_EQ(4, close.context_tag);
+    const auto open = v.getOpenTag(4), close = v.getCloseTag(4);
+    EXPECT_TRUE(open.tag == BACNET_PSEUDO_TAG_OPENING && close.tag == BACNET_PSEUDO_TAG_CLOSING);
+    EXPECT_TRUE(open.context_specific && close.context_specific && close.context_tag == 4);
 }
 
 TEST(ANY, holdsBalancedEncodingsUpToTheEnclosingClose) {
@@ -94,8 +87,7 @@ TEST(ANY, holdsBalancedEncodingsUpToTheEnclosingClose) {
     EXPECT_EQ(7, any.decode(bytes.data(), static_cast<unsigned>(bytes.size())));
     unsigned length = 0;
     ASSERT_NE(nullptr, any.getValue(&length));
-    EXPECT_EQ(7u, length);
-    EXPECT_EQ(static_cast<BN::BACnetDataType>(1064), any.getBACnetDataType());
+    EXPECT_TRUE(length == 7 && any.getBACnetDataType() == 1064);
     std::string text;
     any.getString(text);
     EXPECT_EQ("21050E91010F10", text);
@@ -116,15 +108,13 @@ TEST(ANY, holdsBalancedEncodingsUpToTheEnclosingClose) {
     ANY copy = any;
     EXPECT_TRUE(copy == any);
     copy.setTypeAndValue(PRIORITY_ARRAY, bytes.data(), 2);
-    EXPECT_FALSE(copy == any);
-    EXPECT_EQ(7u, (any.getValue(&length), length));
+    EXPECT_TRUE(!(copy == any) && (any.getValue(&length), length) == 7);
 
     // The factory's form yields an empty value and leaves the cursor alone.
     BN::DataApplicationValue first;
     const BN::DataApplicationValue* cursor = &first;
     const ANY fromPrimitives(PRIORITY_ARRAY, first, &cursor);
-    EXPECT_EQ(&first, cursor);
-    EXPECT_EQ(nullptr, fromPrimitives.getValue(nullptr));
+    EXPECT_TRUE(cursor == &first && !fromPrimitives.getValue(nullptr));
     EXPECT_EQ(BN::BACNET_DT_NULL, fromPrimitives.getBACnetDataType());
 }
 
@@ -135,6 +125,6 @@ TEST(ANY, descriptorTravelsAsItsOwnType) {
     const uint8_t* bytes = any.getValue(&length);
     ASSERT_EQ(10u, length);
     EXPECT_EQ(0, std::memcmp(bytes, "\x09\x00\x19\x00\x29\x00\x39\x01\x49\x04", 10));
-    EXPECT_EQ(BN::BACNET_DT_PROPERTY_DESCRIPTOR, any.getBACnetDataType());
-    EXPECT_FALSE(any.getDescriptor().emptyAllowed);
+    EXPECT_TRUE(any.getBACnetDataType() == BN::BACNET_DT_PROPERTY_DESCRIPTOR &&
+                !any.getDescriptor().emptyAllowed);
 }

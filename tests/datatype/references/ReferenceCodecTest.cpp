@@ -81,7 +81,8 @@ TEST(ReferenceCodec, CutsAndBrokenInputAreRefused) {
     expectEveryCutRefused(BACnetPropertyReference(3), hex("39 57 49 10"), {{2, 2}});
     // The device-object-property reference holds the object-property reference's members.
     expectMutationsStayInBounds<BACnetDeviceObjectReference>(hex("0C 020004D2 1C 00000003"));
-    expectMutationsStayInBounds<BACnetDeviceObjectPropertyReference>(hex("0C 00000003 19 57 29 08 3C 020004D2"));
+    expectMutationsStayInBounds<BACnetDeviceObjectPropertyReference>(
+        hex("0C 00000003 19 57 29 08 3C 020004D2"));
     expectMutationsStayInBounds<BACnetPropertyValue>(hex("09 55 2E 44 41AC0000 2F 39 08"));
     BACnetObjectPropertyReference ref(AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
     const BACnetObjectPropertyReference before = ref;
@@ -115,9 +116,9 @@ TEST(ObjectPropertyReference, DefaultsAndRequestRecords) {
     rp.application_data_len = rr.application_data_len = 99;
     ref.get(rp);
     ref.get(rr);
-    EXPECT_EQ(std::make_tuple(0, 8, 0, 0, 8), std::make_tuple(rp.application_data_len, int(rp.error_class),
-                                                              int(rp.error_code), rr.application_data_len,
-                                                              int(rr.error_class)));
+    EXPECT_EQ(std::make_tuple(0, 8, 0, 0, 8),
+              std::make_tuple(rp.application_data_len, int(rp.error_class), int(rp.error_code),
+                              rr.application_data_len, int(rr.error_class)));
     BACnetObjectPropertyReference fromRp, fromRr;
     fromRp = rp;
     fromRr = rr;
@@ -130,8 +131,8 @@ TEST(ObjectPropertyReference, DefaultsAndRequestRecords) {
 TEST(DeviceObjectReference, DefaultsMaskingAndKey) {
     const BACnetDeviceObjectReference none;
     EXPECT_TRUE(!none.hasDevice() && none.getDeviceIdentifier().getValue() == 0);
-    EXPECT_EQ(std::make_tuple(1024u, 0x3FFFFFu),
-              std::make_tuple(unsigned(none.objectIdentifier.type), unsigned(none.objectIdentifier.instance)));
+    EXPECT_EQ(std::make_tuple(1024u, 0x3FFFFFu), std::make_tuple(unsigned(none.objectIdentifier.type),
+                                                                 unsigned(none.objectIdentifier.instance)));
     EXPECT_EQ(BACNET_DT_DEVICE_OBJECT_REFERENCE, none.getBACnetDataType());
     // A device instance wider than 22 bits keeps only what the identifier can carry.
     const BACnetDeviceObjectReference ref(0x400000u | 1234u, OBJECT_ANALOG_INPUT, 3);
@@ -146,7 +147,8 @@ TEST(DeviceObjectReference, DefaultsMaskingAndKey) {
     EXPECT_EQ(ref, BACnetDeviceObjectReference(0x000004D200000003ull));
     // All ones in the high word, and a decoded reference without device: no device, keyed as 0.
     const BACnetDeviceObjectReference local(0xFFFFFFFF00000003ull);
-    EXPECT_TRUE(!local.hasDevice() && local.deviceIdentifier.type == 0 && local.deviceIdentifier.instance == 0);
+    EXPECT_TRUE(!local.hasDevice() && local.deviceIdentifier.type == 0 &&
+                local.deviceIdentifier.instance == 0);
     EXPECT_EQ(3ull, local.getKey());
     BACnetDeviceObjectReference decoded;
     ASSERT_EQ(5, decodeExactly(decoded, hex("1C 00000003"), 5));
@@ -170,7 +172,8 @@ TEST(DeviceObjectPropertyReference, DefaultsResetInitAndHexIdentifier) {
     EXPECT_EQ(fields(ref), std::make_tuple(1023u, 0u, 0xFFFFFEu, BACNET_ARRAY_ALL, 1023u, 0u));
     ref = full;
     ref.init();  // keeps object and property only
-    EXPECT_EQ(BACnetDeviceObjectPropertyReference(AI3, PROP_PRIORITY_ARRAY, BACNET_ARRAY_ALL, NO_DEVICE), ref);
+    EXPECT_EQ(BACnetDeviceObjectPropertyReference(AI3, PROP_PRIORITY_ARRAY, BACNET_ARRAY_ALL, NO_DEVICE),
+              ref);
     // Every spelling of "no device" is the same reference.
     const BACnetDeviceObjectPropertyReference viaReset(AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, NO_DEVICE);
     BACnetDeviceObjectPropertyReference viaInit(viaReset);
@@ -192,7 +195,8 @@ TEST(PropertyValue, EncodesReferenceValueAndOptionalPriority) {
     value.setReal(21.5f);
     const BACnetPropertyValue withPriority(BACnetPropertyReference(PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, 7),
                                            value, 8);
-    EXPECT_TRUE(withPriority.getFirstTag() == 0 && withPriority.getBACnetDataType() == BACNET_DT_PROPERTY_VALUE);
+    EXPECT_TRUE(withPriority.getFirstTag() == 0 &&
+                withPriority.getBACnetDataType() == BACNET_DT_PROPERTY_VALUE);
     // [0] present-value  [2] { REAL 21.5 }  [3] 8
     const Bytes bytes = hex("09 55 2E 44 41AC0000 2F 39 08");
     EXPECT_EQ(bytes, encoded(withPriority));
@@ -204,9 +208,9 @@ TEST(PropertyValue, EncodesReferenceValueAndOptionalPriority) {
     EXPECT_TRUE(empty.getPriority() == BACnetPropertyValue::NO_PRIORITY && empty.encode(nullptr) == 0);
     BACnetPropertyValue decoded;
     ASSERT_EQ(static_cast<int>(bytes.size()), decodeExactly(decoded, bytes, bytes.size()));
-    EXPECT_EQ(std::make_tuple(PROP_PRESENT_VALUE, 8, 21.5f), std::make_tuple(decoded.getPropertyIdentifier(),
-                                                                           decoded.getPriority(),
-                                                                           decoded.getValue().getReal(false)));
+    EXPECT_EQ(std::make_tuple(PROP_PRESENT_VALUE, 8, 21.5f),
+              std::make_tuple(decoded.getPropertyIdentifier(), decoded.getPriority(),
+                              decoded.getValue().getReal(false)));
     EXPECT_EQ(bytes, encoded(decoded));
     // A list value: every primitive between the tags is kept.
     const Bytes list = hex("09 57 2E 21 01 21 02 2F");

@@ -48,44 +48,33 @@ std::string tagsOf(const Chain& values) {
     return tags;
 }
 
+/// What getBACnetPrimitives gives is what the primitive constructor reads back, member for
+/// member; the cursor is left on primitive `cursor` (-1: the stray one after the value).
+template <class T, class... Extra>
+void expectWalk(const T& value, const char* tags, int cursor, Extra... extra) {
+    SCOPED_TRACE(tags);
+    const Chain chain = primitivesOf(value);
+    const DataApplicationValue* next = nullptr;
+    EXPECT_EQ(tags, tagsOf(chain));
+    EXPECT_EQ(value, T(descriptor, chain.front(), &next, extra...));
+    EXPECT_EQ(&chain[cursor < 0 ? chain.size() - 1 : size_t(cursor)], next);
+}
+
 }  // namespace
 
-// What getBACnetPrimitives gives is what the primitive constructors read back, member for
-// member, with the cursor left on the stray primitive after the value.
 TEST(ReferencePrimitives, ReadBackThroughTheWalkOfEachClass) {
-    const DataApplicationValue* next = nullptr;
-    const BACnetDeviceObjectPropertyReference dopr(1234u, OBJECT_ANALOG_INPUT, 3u, PROP_PRIORITY_ARRAY, 8u);
-    Chain chain = primitivesOf(dopr);
-    EXPECT_EQ("[0][1][2][3]A2", tagsOf(chain));
-    EXPECT_EQ(dopr, BACnetDeviceObjectPropertyReference(descriptor, chain.front(), &next));
-    EXPECT_EQ(&chain.back(), next);
-    const BACnetDeviceObjectPropertyReference bare(AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL,
-                                                   ObjectIdentifier());
-    chain = primitivesOf(bare);
-    EXPECT_EQ("[0][1]A2", tagsOf(chain));
-    EXPECT_EQ(bare, BACnetDeviceObjectPropertyReference(descriptor, chain.front(), &next));
-    const BACnetObjectPropertyReference opr(AI3, PROP_PRIORITY_ARRAY, 0);
-    chain = primitivesOf(opr);
-    EXPECT_EQ("[0][1][2]A2", tagsOf(chain));
-    EXPECT_EQ(opr, BACnetObjectPropertyReference(descriptor, chain.front(), &next));
-    EXPECT_EQ(&chain.back(), next);
-    const BACnetPropertyReference pr(PROP_PRIORITY_ARRAY, 4, 3);
-    chain = primitivesOf(pr);
-    EXPECT_EQ("[3][4]A2", tagsOf(chain));
-    EXPECT_EQ(pr, BACnetPropertyReference(descriptor, chain.front(), &next, 3));
-    EXPECT_EQ(&chain.back(), next);
+    expectWalk(BACnetDeviceObjectPropertyReference(1234u, OBJECT_ANALOG_INPUT, 3u, PROP_PRIORITY_ARRAY, 8u),
+               "[0][1][2][3]A2", -1);
+    expectWalk(
+        BACnetDeviceObjectPropertyReference(AI3, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, ObjectIdentifier()),
+        "[0][1]A2", -1);
+    expectWalk(BACnetObjectPropertyReference(AI3, PROP_PRIORITY_ARRAY, 0), "[0][1][2]A2", -1);
+    expectWalk(BACnetPropertyReference(PROP_PRIORITY_ARRAY, 4, 3), "[3][4]A2", -1, 3);
     // The device-object reference leaves the cursor on its own last primitive.
-    const BACnetDeviceObjectReference dor(1234u, AI3);
-    chain = primitivesOf(dor);
-    EXPECT_EQ("[0][1]A2", tagsOf(chain));
-    EXPECT_EQ(dor, BACnetDeviceObjectReference(descriptor, chain.front(), &next));
-    EXPECT_EQ(&chain[1], next);
-    const BACnetTrendLogLastUploaded uploaded(DEVICE1234, ObjectIdentifier(OBJECT_TREND_LOG, 1),
-                                              Poco::LocalDateTime(2024, 3, 15, 10, 20, 30, 450).timestamp());
-    chain = primitivesOf(uploaded);
-    EXPECT_EQ("[0][1]A10A11A2", tagsOf(chain));
-    EXPECT_EQ(uploaded, BACnetTrendLogLastUploaded(descriptor, chain.front(), &next));
-    EXPECT_EQ(&chain.back(), next);
+    expectWalk(BACnetDeviceObjectReference(1234u, AI3), "[0][1]A2", 1);
+    expectWalk(BACnetTrendLogLastUploaded(DEVICE1234, ObjectIdentifier(OBJECT_TREND_LOG, 1),
+                                          Poco::LocalDateTime(2024, 3, 15, 10, 20, 30, 450).timestamp()),
+               "[0][1]A10A11A2", -1);
 }
 
 TEST(ReferencePrimitives, OptionalMembersAndForeignPrimitivesEndTheWalk) {
@@ -94,14 +83,10 @@ TEST(ReferencePrimitives, OptionalMembersAndForeignPrimitivesEndTheWalk) {
     Chain chain = linked(
         {context(objectIdValue(AI3), 0), context(enumValue(85), 1), context(objectIdValue(DEVICE1234), 3)});
     const BACnetDeviceObjectPropertyReference dopr(descriptor, chain[0], &next);
-    EXPECT_FALSE(dopr.hasArrayIndex());
-    EXPECT_TRUE(dopr.hasDevice());
-    EXPECT_EQ(nullptr, next);
+    EXPECT_TRUE(!dopr.hasArrayIndex() && dopr.hasDevice() && next == nullptr);
     chain = linked({context(objectIdValue(AI3), 0), enumValue(85)});
     const BACnetDeviceObjectPropertyReference objectOnly(descriptor, chain[0], &next);
-    EXPECT_EQ(0xFFFFFEu, static_cast<unsigned>(objectOnly.propertyIdentifier));
-    EXPECT_FALSE(objectOnly.hasDevice());
-    EXPECT_EQ(&chain[1], next);
+    EXPECT_TRUE(objectOnly.propertyIdentifier == 0xFFFFFE && !objectOnly.hasDevice() && next == &chain[1]);
     // OPR: an unsigned after the property that is not context [2] is not an index.
     chain = linked({context(objectIdValue(AI3), 0), context(enumValue(85), 1), context(uintValue(5), 3)});
     EXPECT_FALSE(BACnetObjectPropertyReference(descriptor, chain[0], &next).hasArrayIndex());
@@ -126,18 +111,15 @@ TEST(ReferencePrimitives, OptionalMembersAndForeignPrimitivesEndTheWalk) {
     EXPECT_EQ(&chain[1], next);
     chain = linked({context(objectIdValue(AI3), 1)});
     const BACnetDeviceObjectReference noDevice(descriptor, chain[0], &next);
-    EXPECT_FALSE(noDevice.hasDevice());
-    EXPECT_EQ(AI3, noDevice.getObjectIdentifier());
-    EXPECT_EQ(&chain[0], next);
+    EXPECT_TRUE(!noDevice.hasDevice() && noDevice.getObjectIdentifier() == AI3 && next == &chain[0]);
     chain = linked({context(uintValue(5), 0), context(objectIdValue(AI3), 1)});
     EXPECT_EQ(BACnetDeviceObjectReference(),
               BACnetDeviceObjectReference(BACNET_DT_DEVICE_OBJECT_REFERENCE, chain[0], &next));
     EXPECT_EQ(&chain[0], next);
     chain = linked({context(objectIdValue(DEVICE1234), 0)});
     const BACnetDeviceObjectReference deviceOnly(BACNET_DT_DEVICE_OBJECT_REFERENCE, chain[0], &next);
-    EXPECT_EQ(DEVICE1234, deviceOnly.getDeviceIdentifier());
-    EXPECT_EQ(1024u, deviceOnly.objectIdentifier.type);
-    EXPECT_EQ(&chain[0], next);
+    EXPECT_TRUE(deviceOnly.getDeviceIdentifier() == DEVICE1234 && deviceOnly.objectIdentifier.type == 1024 &&
+                next == &chain[0]);
     // Primitives of the wrong kind where the walk starts are refused.
     chain = linked({context(enumValue(85), 1)});
     EXPECT_TRUE(assertsWith([&] { BACnetDeviceObjectPropertyReference(descriptor, chain[0], &next); },
@@ -156,19 +138,14 @@ TEST(ReferencePrimitives, PropertyValueTakesOneValueAndAnUnsignedPriority) {
     Chain chain = linked({context(enumValue(87), 0), context(uintValue(8), 1), realValue(21.5f),
                           uintValue(12), realValue(1.0f)});
     const BACnetPropertyValue a(descriptor, chain[0], &next);
-    EXPECT_EQ(PROP_PRIORITY_ARRAY, a.getPropertyIdentifier());
-    EXPECT_EQ(8u, a.getArrayIndex());
-    EXPECT_FLOAT_EQ(21.5f, a.getValue().getReal(false));
-    EXPECT_EQ(BACNET_DTS_SINGLE_VALUE, a.getValue().getStructure());
-    EXPECT_EQ(12, a.getPriority());
-    EXPECT_EQ(&chain[4], next);
+    EXPECT_EQ(std::make_tuple(PROP_PRIORITY_ARRAY, 8u, 21.5f, BACNET_DTS_SINGLE_VALUE, 12, &chain[4]),
+              std::make_tuple(a.getPropertyIdentifier(), a.getArrayIndex(), a.getValue().getReal(false),
+                              a.getValue().getStructure(), a.getPriority(), next));
     // Only an unsigned after the value is a priority; the value is exactly one primitive.
     chain = linked({enumValue(85), uintValue(3), realValue(1.0f)});
     const BACnetPropertyValue b(descriptor, chain[0], &next);
-    EXPECT_FALSE(b.hasArrayIndex());
-    EXPECT_EQ(3u, b.getValue().getUInt());
+    EXPECT_TRUE(!b.hasArrayIndex() && b.getValue().getUInt() == 3 && next == &chain[2]);
     EXPECT_EQ(BACnetPropertyValue::NO_PRIORITY, b.getPriority());
-    EXPECT_EQ(&chain[2], next);
     next = &sentinel;
     chain = linked({enumValue(85)});
     EXPECT_EQ(BACnetPropertyValue::NO_PRIORITY,

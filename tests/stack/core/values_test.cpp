@@ -48,11 +48,8 @@ TEST(ApplicationValues, EveryTagRoundTripsApplicationAndContextTaggedAndChained)
         const Bytes appBytes = encodedBy([&](uint8_t* p) { return bacapp_encode_application_data(p, &in); });
         chain.insert(chain.end(), appBytes.begin(), appBytes.end());
         ASSERT_GT(appBytes.size(), 0u);
+        // The application round trip of each value is checked through DataApplicationValue.
         BACNET_APPLICATION_DATA_VALUE out, ctxOut;
-        bacapp_value_init(&out);
-        ASSERT_EQ(int(appBytes.size()), DECODED(appBytes, bacapp_decode_application_data(p, n, &out)));
-        EXPECT_TRUE(bacapp_same_value(&in, &out));
-        EXPECT_FALSE(out.context_specific);
 
         in.context_specific = true;
         in.context_tag = 21;  // an extended tag number
@@ -74,7 +71,8 @@ TEST(ApplicationValues, EveryTagRoundTripsApplicationAndContextTaggedAndChained)
         v.next = &sentinel;
         const int n = bacapp_decode_application_data(buf.data() + pos, buf.size() - pos, &v);
         ASSERT_GT(n, 0) << "at " << pos;
-        EXPECT_EQ(std::make_tuple(v.tag, v.next), std::make_tuple(expectedTag++, &sentinel));
+        EXPECT_EQ(std::make_tuple(v.tag, v.next, v.context_specific),
+                  std::make_tuple(expectedTag++, &sentinel, false));
         pos += uint32_t(n);
     }
     EXPECT_EQ(std::make_tuple(expectedTag, pos), std::make_tuple(uint8_t(13), buf.size()));
@@ -103,7 +101,6 @@ TEST(ApplicationValues, CopiesAndDecodesTouchOnlyTheUsedBytes) {
     EXPECT_TRUE(bacapp_same_value(&src, &dest));
     EXPECT_EQ(std::make_tuple(dest.context_specific, dest.context_tag, dest.next),
               std::make_tuple(true, uint8_t(4), (BACNET_APPLICATION_DATA_VALUE*)nullptr));
-    EXPECT_STREQ(dest.type.Character_String.value, "abc");
     // Past the terminator the capacity keeps its old bytes: nothing cleared, nothing copied.
     EXPECT_EQ(uint8_t(dest.type.Character_String.value[4]), 0xCC);
     EXPECT_EQ(uint8_t(dest.type.Character_String.value[MAX_CHARACTER_STRING_BYTES]), 0xCC);
@@ -121,8 +118,7 @@ TEST(ApplicationValues, CopiesAndDecodesTouchOnlyTheUsedBytes) {
     bitstring_set_bit(&bits.type.Bit_String, 9, true);
     std::memset(&dest, 0xCC, sizeof dest);
     ASSERT_TRUE(bacapp_copy(&dest, &bits));
-    EXPECT_TRUE(bitstring_bit(&dest.type.Bit_String, 9));
-    EXPECT_EQ(dest.type.Bit_String.value[2], 0xCC);
+    EXPECT_TRUE(bitstring_bit(&dest.type.Bit_String, 9) && dest.type.Bit_String.value[2] == 0xCC);
 
     for (const BACNET_APPLICATION_DATA_VALUE& v : everyTag()) {
         std::memset(&dest, 0xCC, sizeof dest);
@@ -134,11 +130,10 @@ TEST(ApplicationValues, CopiesAndDecodesTouchOnlyTheUsedBytes) {
     bacapp_value_init(&bad);
     bad.tag = 13;
     dest.tag = BACNET_APPLICATION_TAG_REAL;
-    EXPECT_FALSE(bacapp_copy(&dest, &bad));
-    EXPECT_EQ(dest.tag, BACNET_APPLICATION_TAG_REAL);
-    EXPECT_EQ(bacapp_encode_application_data(nullptr, &bad), BACNET_STATUS_ERROR);
-    EXPECT_EQ(bacapp_encode_data(nullptr, &bad), BACNET_STATUS_ERROR);
-    EXPECT_FALSE(bacapp_copy(nullptr, &src));
+    EXPECT_TRUE(!bacapp_copy(&dest, &bad) && dest.tag == BACNET_APPLICATION_TAG_REAL);
+    EXPECT_EQ(std::make_tuple(BACNET_STATUS_ERROR, BACNET_STATUS_ERROR, false),
+              std::make_tuple(bacapp_encode_application_data(nullptr, &bad),
+                              bacapp_encode_data(nullptr, &bad), bacapp_copy(nullptr, &src)));
 }
 
 TEST(ApplicationValues, SameValueComparesByTagAndContentOnly) {
@@ -154,8 +149,7 @@ TEST(ApplicationValues, SameValueComparesByTagAndContentOnly) {
     c.context_specific = true;
     c.context_tag = 7;
     EXPECT_TRUE(bacapp_same_value(&c, &values[9]));
-    c.type.Enumerated = 86;
-    EXPECT_FALSE(bacapp_same_value(&c, &values[9]));
+    EXPECT_FALSE((c.type.Enumerated = 86, bacapp_same_value(&c, &values[9])));
     // Unsigned and enumerated share storage but are different values.
     BACNET_APPLICATION_DATA_VALUE u = values[9];
     u.tag = BACNET_APPLICATION_TAG_UNSIGNED_INT;
@@ -170,8 +164,7 @@ TEST(DateTime, CalendarComparisonsAndEncodings) {
         EXPECT_EQ(datetime_day_of_week(uint16_t(d[0]), uint8_t(d[1]), uint8_t(d[2])), d[3])
             << d[0] << "-" << d[1];
     EXPECT_EQ(datetime_day_of_week(2154, 12, 31), datetime_day_of_week(2154, 12, 24));
-    EXPECT_TRUE(datetime_is_leap_year(2000));
-    EXPECT_FALSE(datetime_is_leap_year(2100));
+    EXPECT_TRUE(datetime_is_leap_year(2000) && !datetime_is_leap_year(2100));
     EXPECT_EQ(std::make_tuple(datetime_month_days(2023, 2), datetime_month_days(2024, 2),
                               datetime_month_days(2024, 13)),
               std::make_tuple(uint8_t(28), uint8_t(29), uint8_t(0)));
@@ -184,71 +177,42 @@ TEST(DateTime, CalendarComparisonsAndEncodings) {
     // Comparisons order by the fields and ignore the weekday; unspecified fields sort last.
     BACNET_DATE a{2024, 3, 7, 4}, b{2024, 3, 7, 255}, c{2024, 3, 8, 5}, older{2023, 12, 31, 7};
     BACNET_DATE wildcardDate{2155, 255, 255, 255};
-    EXPECT_EQ(datetime_compare_date(&a, &b), 0);
-    EXPECT_LT(datetime_compare_date(&a, &c), 0);
-    EXPECT_GT(datetime_compare_date(&c, &a), 0);
-    EXPECT_GT(datetime_compare_date(&a, &older), 0);
+    EXPECT_TRUE(datetime_compare_date(&a, &b) == 0 && datetime_compare_date(&a, &c) < 0);
+    EXPECT_TRUE(datetime_compare_date(&c, &a) > 0 && datetime_compare_date(&a, &older) > 0);
     EXPECT_EQ(datetime_compare_date(&wildcardDate, &wildcardDate), 0);
     BACNET_TIME t1{8, 30, 0, 0}, t2{8, 30, 0, 1}, star{255, 255, 255, 255};
-    EXPECT_LT(datetime_compare_time(&t1, &t2), 0);
-    EXPECT_EQ(datetime_compare_time(&t2, &t2), 0);
+    EXPECT_TRUE(datetime_compare_time(&t1, &t2) < 0 && datetime_compare_time(&t2, &t2) == 0);
     EXPECT_GT(datetime_compare_time(&star, &t2), 0);
-    BACNET_DATE_TIME x{a, t2}, y{a, t1};
-    EXPECT_GT(datetime_compare(&x, &y), 0);
-    y.date.year = 2025;
-    EXPECT_LT(datetime_compare(&x, &y), 0);
+    BACNET_DATE_TIME x{a, t2}, y{a, t1}, z{{2025, 3, 7, 5}, t1};
+    EXPECT_TRUE(datetime_compare(&x, &y) > 0 && datetime_compare(&x, &z) < 0);
 
+    // The plain encoding is checked through its class (BACnetDateTime); here the context form.
     BACNET_DATE_TIME in, out{};
-    datetime_set_values(&in, 2024, 3, 7, 8, 30, 0, 0);
-    bothWays("A4 7C 03 07 04 B4 08 1E 00 00", in, RECORD_ENCODER(bacapp_encode_datetime),
-             RECORD_DECODER(bacapp_decode_datetime));
     datetime_wildcard_set(&in);
     EXPECT_EQ(std::make_tuple(in.date.year, in.time.hour), std::make_tuple(uint16_t(2155), uint8_t(255)));
     // Extended tag numbers: two bytes each side.
     const char* tagged = "FE 11 A4 FF FF FF FF B4 FF FF FF FF FF 11";
     EXPECT_EQ(tagged, ENCODED_HEX(bacapp_encode_context_datetime(p, 17, &in)));
     ASSERT_EQ(14, DECODED(tagged, bacapp_decode_context_datetime(p, n, 17, &out)));
-    EXPECT_EQ(datetime_compare(&in, &out), 0);
-    EXPECT_EQ(out.date.wday, 255);
+    EXPECT_TRUE(datetime_compare(&in, &out) == 0 && out.date.wday == 255);
     // Another opening tag is "not there", and the value stays.
     out.date.year = 2000;
-    EXPECT_EQ(0, DECODED(tagged, bacapp_decode_context_datetime(p, n, 16, &out)));
-    EXPECT_EQ(out.date.year, 2000);
+    EXPECT_TRUE(DECODED(tagged, bacapp_decode_context_datetime(p, n, 16, &out)) == 0 &&
+                out.date.year == 2000);
 }
 
+// Both reference encodings, their optional members, context forms and cuts are checked through
+// their classes (BACnetDeviceObjectReference, BACnetDeviceObjectPropertyReference, which encode
+// and decode with these functions); here what the classes hide.
 TEST(References, DeviceObjectReferencesWithAndWithoutOptionalMembers) {
-    // A device identifier of another type than device is not sent; decoding marks it absent.
-    const BACNET_DEVICE_OBJECT_REFERENCE ref{{OBJECT_DEVICE, 1234}, {OBJECT_TREND_LOG, 1}},
-        noDevice{{0, 0}, {OBJECT_ANALOG_VALUE, 7}};
-    bothWays("0C 02 00 04 D2 1C 05 00 00 01", ref, RECORD_ENCODER(bacapp_encode_device_obj_ref),
-             RECORD_DECODER(bacapp_decode_device_obj_ref));
-    bothWays("1C 00 80 00 07", noDevice, RECORD_ENCODER(bacapp_encode_device_obj_ref),
-             RECORD_DECODER(bacapp_decode_device_obj_ref));
     BACNET_DEVICE_OBJECT_REFERENCE out{};
     ASSERT_EQ(5, DECODED("1C 00 80 00 07", bacapp_decode_device_obj_ref(p, n, &out)));
     EXPECT_EQ(std::make_tuple(out.deviceIdentifier.type, out.deviceIdentifier.instance),
               std::make_tuple(uint16_t(BACNET_NO_DEV_TYPE), uint32_t(BACNET_NO_DEV_ID)));
-    const Bytes enclosed =
-        encodedBy([&](uint8_t* p) { return bacapp_encode_context_device_obj_ref(p, 0, &ref); });
-    EXPECT_EQ(enclosed.size(), 12u);
-    ASSERT_EQ(12, DECODED(enclosed, bacapp_decode_context_device_obj_ref(p, n, 0, &out)));
-    EXPECT_EQ(std::make_tuple(out.deviceIdentifier.type, out.deviceIdentifier.instance),
-              std::make_tuple(uint16_t(OBJECT_DEVICE), 1234u));
-    // The object identifier is required.
-    EXPECT_EQ(BACNET_STATUS_ERROR, DECODED("0C 02 00 04 D2", bacapp_decode_device_obj_ref(p, n, &out)));
-
-    BACNET_DEVICE_OBJECT_PROPERTY_REFERENCE full{
-        {OBJECT_ANALOG_INPUT, 3}, PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, {OBJECT_DEVICE, 1234}};
-    BACNET_DEVICE_OBJECT_PROPERTY_REFERENCE indexed{
-        {OBJECT_ANALOG_INPUT, 3}, PROP_PRIORITY_ARRAY, 0, {BACNET_NO_DEV_TYPE, BACNET_NO_DEV_ID}},
-        pout{};
-    bothWays("0C 00 00 00 03 19 55 3C 02 00 04 D2", full,
-             RECORD_ENCODER(bacapp_encode_device_obj_property_ref),
-             RECORD_DECODER(bacapp_decode_device_obj_property_ref));
-    bothWays("0C 00 00 00 03 19 57 29 00", indexed, RECORD_ENCODER(bacapp_encode_device_obj_property_ref),
-             RECORD_DECODER(bacapp_decode_device_obj_property_ref));
     // Large property numbers survive, and the enclosed form consumes its closing tag.
-    indexed.propertyIdentifier = BACNET_PROPERTY_ID(4194327);
+    BACNET_DEVICE_OBJECT_PROPERTY_REFERENCE indexed{
+        {OBJECT_ANALOG_INPUT, 3}, BACNET_PROPERTY_ID(4194327), 0, {BACNET_NO_DEV_TYPE, BACNET_NO_DEV_ID}},
+        pout{};
     const Bytes penclosed =
         encodedBy([&](uint8_t* p) { return bacapp_encode_context_device_obj_property_ref(p, 1, &indexed); });
     ASSERT_EQ(int(penclosed.size()),

@@ -128,7 +128,7 @@ std::string withRuns(const std::string& text) {
 
 Bytes nestedRpAck(int depth) {
     return hex(withRuns("0C 00 00 00 05 19 55 3E" + std::string(size_t(depth), '(') +
-                          std::string(size_t(depth), ')') + " 3F"));
+                        std::string(size_t(depth), ')') + " 3F"));
 }
 
 }  // namespace
@@ -166,15 +166,14 @@ TEST(ServiceBadInput, TruncationMarkersAndMutationAtEveryByte) {
 }
 
 // Malformed requests that are no prefix of a valid one (prefixes and trailing markers are swept
-// above; huge lengths of every primitive are refused by the codec's own tests).
+// above, cuts inside a member too; huge lengths of every primitive are refused by the codec's own
+// tests).
 TEST(ServiceBadInput, HugeLengthsShortFieldsUnbalancedTagsAndDeepNesting) {
     const std::tuple<int, const char*, const char*> rows[] = {
         {RP, "0D FF FF FF FF FF 00 00 00 05", "object id with a length near 2^32"},
-        {RP, "0C 00 00 05", "object id one byte short"},
         {RP, "0B 00 00 05 19 55", "object id declared 3 bytes"},
         {RP, "0C 00 00 00 05 1D 05 01 00 00 00 00", "property of 5 octets"},
         {RP, "0C 00 00 00 05 19 55 2D 05 01 00 00 00 00", "array index beyond 32 bits"},
-        {RP, "0C 00 00 00 05 19 55 29", "array index tag without content"},
         {RP, "19 55 0C 00 00 00 05", "elements out of order"},
         {RP, "C4 00 00 00 05 19 55", "application tag where context tag 0 belongs"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 44 42 90 99 9A 4F", "closing tag of another number"},
@@ -183,33 +182,26 @@ TEST(ServiceBadInput, HugeLengthsShortFieldsUnbalancedTagsAndDeepNesting) {
         {RP_ACK, "0C 00 00 00 05 19 55 3E 45 FF FF FF FF FF 3F", "value with a length near 2^32"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 44 42 90 99 3F", "REAL one byte short, closing tag swallowed"},
         {RP_ACK, "0C 00 00 00 05 19 55 3E 3F 3F", "a second closing tag"},
-        {WP, "0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F 49", "priority tag without content"},
         {WP, "0C 00 80 00 01 19 55 49 10 3E 44 43 34 00 00 3F", "priority before the value"},
-        {RPM_ACK, "0C 00 00 00 10 1E 29 55 4E 44 42 90 99 9A 4F", "list of results not closed"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 1F", "result without value or error"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 5E 91 02 5F 1F", "error with the class only"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 5E 91 02 91 20 91 00 5F 1F", "error with a third element"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 4E 44 42 90 99 9A 5F 1F", "value closed by the error tag"},
-        {RPM_ACK, "0C 00 00 00 10 1E 29 55 4E 44 42 90 99 9A 4F 1F 0C 00 00", "second object cut short"},
         {RPM_ACK, "0C 00 00 00 10 1E 29 55 6E 4F 1F", "result tag 6"},
         {RP_ACK_FULL, "0C 00 00 00 05 19 55 3E 0E 0E 0F 3F", "unbalanced nesting inside the value"},
         {RP_ACK_FULL, "0C 00 00 00 05 19 55 3E 0E 1F 3F", "mismatched nesting inside the value"},
         {RP_ACK_FULL, "0C 00 00 00 05 19 55 3E 0D FF FF FF FF FF 3F", "context primitive with a huge length"},
-        {RR, "0C 05 00 00 01 19 83 3E 21 01 31 01", "range not closed"},
         {RR, "0C 05 00 00 01 19 83 3E 21 01 3F", "range without count"},
         {RR, "0C 05 00 00 01 19 83 3E 21 01 34 80 00 00 00 3F", "count with the high bit set (INT32_MIN)"},
         {RR, "0C 05 00 00 01 19 83 7E A4 62 03 17 B4 13 34 22 00 31 04 7F", "date one byte short"},
         {RR, "0C 05 00 00 01 19 83 3E 21 01 31 01 7F", "range closed with another tag"},
         {RR, "0C 05 00 00 01 19 83 3E 21 01 31 01 3F 00", "bytes after the range"},
         {RR_ACK, "0C 05 00 00 01 19 83 3A 05 C0 5E 5F", "item count missing"},
-        {RR_ACK, "0C 05 00 00 01 19 83 3A 05 C0 49 01 5E 00", "item data not closed"},
         {RR_ACK, "0C 05 00 00 01 19 83 3B 05 C0 00 00 49 01 5E 00 5F", "flags longer than the bit string"},
         {WHOIS, "19 03", "high limit only"},
-        {WHOIS, "09 03 19", "high limit without content"},
         {WHOIS, "0C 00 40 00 00 19 03", "low limit beyond the instance range"},
         {IAM, "C3 02 00 00 22 04 00 91 03 21 63", "object id of 3 octets"},
         {IAM, "C4 02 00 00 03 22 04 00 21 03 21 63", "segmentation as Unsigned"},
-        {TIMESYNC, "A4 5C 0B 11 02 B4 16 2D 1E", "time one byte short"},
         {TIMESYNC, "A3 5C 0B 11 B4 16 2D 1E 46", "date declared 3 octets"},
     };
     for (const auto& [service, h, why] : rows)
@@ -284,12 +276,10 @@ TEST(RpmAck, ResultCountsValueBudgetNestingAndBareObjects) {
     // Objects without a result list are allowed by the grammar.
     ExactBuffer bare("0C 00 00 00 01 0C 00 00 00 02");
     ASSERT_EQ(10, rpm_ack_decode_service_request(bare.data(), bare.size(), &rad));
-    ASSERT_NE(nullptr, rad.next);
-    EXPECT_EQ(std::make_tuple((BACNET_PROPERTY_REFERENCE*)nullptr, 2u),
-              std::make_tuple(rad.listOfProperties, rad.next->object_instance));
+    EXPECT_EQ("0,1:; 0,2:", describe(&rad));  // no result lists
     rpm_ack_free_all(&rad);
-    EXPECT_EQ(BACNET_STATUS_ERROR, rpm_ack_decode_service_request(bare.data(), 0, &rad));
-    EXPECT_EQ(BACNET_STATUS_ERROR, rpm_ack_decode_service_request(bare.data(), 10, nullptr));
+    EXPECT_TRUE(rpm_ack_decode_service_request(bare.data(), 0, &rad) == BACNET_STATUS_ERROR &&
+                rpm_ack_decode_service_request(bare.data(), 10, nullptr) == BACNET_STATUS_ERROR);
     rpm_ack_free_all(nullptr);
     free_BACNET_READ_ACCESS_DATA_Internals(nullptr);
 }

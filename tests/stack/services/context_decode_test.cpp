@@ -101,10 +101,8 @@ TEST(ContextDecode, GuidedLogRecordWithNestingAndRawMembers) {
     EXPECT_EQ("[0]{ d1998-3-23 t19:52:34.0 [0]} [1]{ [2]r18 [1]} [2]b0000 [3]x07 [7]x01 02",
               describe(d.head));
     // Lookups went to the right parents: root for 0, 1, 2, 3, 7; the choice for its [2].
-    const std::vector<int> tags{0, 1, 2, 2, 3, 7};
-    const std::vector<int> parents{1054, 1054, 1055, 1054, 1054, 1054};
-    EXPECT_EQ(tags, g_log.tags);
-    EXPECT_EQ(parents, g_log.parentTypes);
+    EXPECT_EQ(std::vector<int>({0, 1, 2, 2, 3, 7}), g_log.tags);
+    EXPECT_EQ(std::vector<int>({1054, 1054, 1055, 1054, 1054, 1054}), g_log.parentTypes);
     freeTree(root.child);
 }
 
@@ -137,8 +135,7 @@ TEST(ContextDecode, FailuresReleaseEverything) {
     for (const char* h : bad) {
         const auto in = hex(h);
         BACNET_APPLICATION_DATA_VALUE* head = reinterpret_cast<BACNET_APPLICATION_DATA_VALUE*>(1);
-        EXPECT_EQ(BACNET_STATUS_ERROR, byContext(in, nullptr, &head)) << h;
-        EXPECT_EQ(nullptr, head) << h;
+        EXPECT_TRUE(byContext(in, nullptr, &head) == BACNET_STATUS_ERROR && head == nullptr) << h;
     }
     // The value budget: one APDU's worth decodes, a larger run of values is refused.
     std::vector<uint8_t> nulls(BACNET_MAX_DECODED_VALUES, 0x00);
@@ -146,10 +143,8 @@ TEST(ContextDecode, FailuresReleaseEverything) {
     EXPECT_EQ(int(nulls.size()), byContext(nulls, nullptr, &head));
     bacapp_value_list_free(head);
     nulls.push_back(0x00);
-    EXPECT_EQ(BACNET_STATUS_ERROR, byContext(nulls, nullptr, &head));
-    EXPECT_EQ(nullptr, head);
-    EXPECT_EQ(0, bacapp_decode_by_context(nullptr, 0, nullptr, nullptr, &head));
-    EXPECT_EQ(nullptr, head);
+    EXPECT_TRUE(byContext(nulls, nullptr, &head) == BACNET_STATUS_ERROR && head == nullptr);
+    EXPECT_TRUE(bacapp_decode_by_context(nullptr, 0, nullptr, nullptr, &head) == 0 && head == nullptr);
     EXPECT_EQ(BACNET_STATUS_ERROR, bacapp_decode_by_context(nullptr, 3, nullptr, nullptr, &head));
     EXPECT_EQ(BACNET_STATUS_ERROR, bacapp_decode_by_context(nullptr, 0, nullptr, nullptr, nullptr));
 }
@@ -161,8 +156,7 @@ TEST(ContextDecode, FullyDecodedReadPropertyAck) {
     ASSERT_EQ(int(ack.size()),
               rp_ack_fully_decode_service_request(ack.data(), ack.size(), nullptr, nullptr, &rad));
     EXPECT_EQ("0,5: 111[2]=(b0100)", describe(&rad));
-    free_BACNET_READ_ACCESS_DATA_Internals(&rad);
-    EXPECT_EQ(nullptr, rad.listOfProperties);
+    EXPECT_EQ(nullptr, (free_BACNET_READ_ACCESS_DATA_Internals(&rad), rad.listOfProperties));
 
     // An empty value gives a property node without values; a broken one leaves nothing behind.
     ExactBuffer empty("0C 00 00 00 05 19 55 3E 3F");
