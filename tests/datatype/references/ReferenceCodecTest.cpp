@@ -79,7 +79,7 @@ TEST(ReferenceCodec, CutsAndBrokenInputAreRefused) {
     expectEveryCutRefused(BACnetDeviceObjectPropertyReference(), hex("0C 00000003 19 57 29 08 3C 020004D2"),
                           {{7, 7}, {9, 9}});
     expectEveryCutRefused(BACnetPropertyReference(3), hex("39 57 49 10"), {{2, 2}});
-    // The device-object-property reference holds the object-property reference's members.
+    expectMutationsStayInBounds<BACnetObjectPropertyReference>(hex("0C 00000003 19 57 29 08"));
     expectMutationsStayInBounds<BACnetDeviceObjectReference>(hex("0C 020004D2 1C 00000003"));
     expectMutationsStayInBounds<BACnetDeviceObjectPropertyReference>(
         hex("0C 00000003 19 57 29 08 3C 020004D2"));

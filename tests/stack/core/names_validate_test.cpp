@@ -11,9 +11,11 @@
 TEST(Names, StandardWordsAndFallbacksNeverNull) {
     using Name = const char* (*)(unsigned);
     // The standard words of every table are checked against the catalogue by the consistency tests;
-    // here the wrappers' pass-through and their fallbacks.
+    // here the wrappers' pass-through at the ends of the standard ranges and their fallbacks.
     const std::tuple<Name, unsigned, const char*> rows[] = {
         {bactext_error_code_name, ERROR_CODE_UNKNOWN_PROPERTY, "unknown-property"},
+        {bactext_error_code_name, 205, "referenced-port-in-error"},    // the last standard code
+        {bactext_property_name, 4194304, "max-bvlc-length-accepted"},  // the second standard range
         {bactext_unconfirmed_service_name, SERVICE_UNCONFIRMED_WHO_IS, "who-is"},
         {bactext_application_tag_name, BACNET_APPLICATION_TAG_REAL, "REAL"},
         {bactext_application_tag_name, BACNET_APPLICATION_TAG_OBJECT_ID, "BACnetObjectIdentifier"},

@@ -100,8 +100,7 @@ TEST(AnnexExamples, ReadPropertyMultipleWithValuesAndPropertyError) {
     BACNET_READ_ACCESS_DATA result;
     ASSERT_EQ(int(ack.size()), rpm_ack_decode_service_request(ack.data(), ack.size(), &result));
     EXPECT_EQ("0,16: 85=(r72.3) 103=(e0)", describe(&result));  // analog-input 16, REAL, ENUMERATED
-    rpm_ack_free_all(&result);
-    EXPECT_EQ(nullptr, result.listOfProperties);
+    rpm_ack_free_all(&result);                                  // what it leaves behind: RpmAck tests
 
     // analog-input 33 and analog-input 50; the second does not exist.
     BACNET_PROPERTY_REFERENCE pv1 = propertyRef(PROP_PRESENT_VALUE, nullptr), pv2 = pv1;
@@ -115,7 +114,6 @@ TEST(AnnexExamples, ReadPropertyMultipleWithValuesAndPropertyError) {
               rpm_ack_decode_service_request(errorAck.data(), errorAck.size(), &result));
     EXPECT_EQ("0,33: 85=(r42.3); 0,50: 85=!1,31", describe(&result));  // object / unknown-object
     rpm_ack_free_all(&result);
-    EXPECT_EQ(nullptr, result.next);
 }
 
 TEST(AnnexExamples, ReadRangeByTimeAndAck) {
