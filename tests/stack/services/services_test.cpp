@@ -32,6 +32,17 @@ void headerBothWays(const char* example, uint8_t maxApduCode, uint8_t invokeId, 
              RECORD_DECODER(apdu_decode_confirmed_header));
 }
 
+// A request record for the whole property, with no value, range or priority yet.
+template <typename T>
+T request(BACNET_OBJECT_TYPE type, uint32_t instance, BACNET_PROPERTY_ID property) {
+    T d{};
+    d.object_type = type;
+    d.object_instance = instance;
+    d.object_property = property;
+    d.array_index = BACNET_ARRAY_ALL;
+    return d;
+}
+
 // An example request as our own encoder sends it: max-APDU code 5.
 std::string ours(const char* example) {
     Bytes b = hex(example);
@@ -73,11 +84,7 @@ TEST(AnnexExamples, ReadPropertyRequestAndAck) {
 
 TEST(AnnexExamples, WritePropertyRequestAndSimpleAck) {
     // WriteProperty analog-value 1 present-value 180.0, invoke id 89, no priority.
-    BACNET_WRITE_PROPERTY_DATA wp{};
-    wp.object_type = OBJECT_ANALOG_VALUE;
-    wp.object_instance = 1;
-    wp.object_property = PROP_PRESENT_VALUE;
-    wp.array_index = BACNET_ARRAY_ALL;
+    auto wp = request<BACNET_WRITE_PROPERTY_DATA>(OBJECT_ANALOG_VALUE, 1, PROP_PRESENT_VALUE);
     wp.application_data_len = encode_application_real(wp.application_data, 180.0f);
     headerBothWays("00 04 59 0F", 4, 0x59, SERVICE_CONFIRMED_WRITE_PROPERTY);
     bothWays("0C 00 80 00 01 19 55 3E 44 43 34 00 00 3F", wp, RECORD_ENCODER(wp_encode_service_request),
@@ -118,11 +125,7 @@ TEST(AnnexExamples, ReadPropertyMultipleWithValuesAndPropertyError) {
 
 TEST(AnnexExamples, ReadRangeByTimeAndAck) {
     // trend-log 1 log-buffer from 1998-03-23 19:52:34.00, 4 records; two come back.
-    BACNET_READ_RANGE_DATA rr{};
-    rr.object_type = OBJECT_TREND_LOG;
-    rr.object_instance = 1;
-    rr.object_property = PROP_LOG_BUFFER;
-    rr.array_index = BACNET_ARRAY_ALL;
+    auto rr = request<BACNET_READ_RANGE_DATA>(OBJECT_TREND_LOG, 1, PROP_LOG_BUFFER);
     rr.request_type = RR_BY_TIME;
     rr.range.ref_time = BACNET_DATE_TIME{{1998, 3, 23, 1}, {19, 52, 34, 0}};
     rr.count = 4;
@@ -256,11 +259,7 @@ TEST(ReadPropertyCodec, IndexesLimitsRoomAndAckValues) {
 }
 
 TEST(WritePropertyCodec, PriorityIndexAndValidation) {
-    BACNET_WRITE_PROPERTY_DATA wp{};
-    wp.object_type = OBJECT_BINARY_OUTPUT;
-    wp.object_instance = 3;
-    wp.object_property = PROP_PRESENT_VALUE;
-    wp.array_index = BACNET_ARRAY_ALL;
+    auto wp = request<BACNET_WRITE_PROPERTY_DATA>(OBJECT_BINARY_OUTPUT, 3, PROP_PRESENT_VALUE);
     wp.application_data_len = encode_application_enumerated(wp.application_data, 1);  // active
     wp.priority = 8;
     EXPECT_EQ("00 05 0C 0F 0C 01 00 00 03 19 55 3E 91 01 3F 49 08", ENCODED_HEX(wp_encode_apdu(p, 12, &wp)));
@@ -328,11 +327,7 @@ TEST(ReadPropertyMultipleCodec, RequestRoomAndValidation) {
 }
 
 TEST(ReadRangeCodec, RangeChoicesAndAckSequence) {
-    BACNET_READ_RANGE_DATA rr{};
-    rr.object_type = OBJECT_TREND_LOG;
-    rr.object_instance = 2;
-    rr.object_property = PROP_LOG_BUFFER;
-    rr.array_index = BACNET_ARRAY_ALL;
+    auto rr = request<BACNET_READ_RANGE_DATA>(OBJECT_TREND_LOG, 2, PROP_LOG_BUFFER);
     rr.request_type = RR_BY_POSITION;
     rr.range.ref_index = 1;
     rr.count = 1;  // the default range: first item, one item
