@@ -218,16 +218,16 @@ TEST(BACnetRecipient, EncodesDecodesAndPrintsEitherChoice) {
     BACnetRecipient inner;
     EXPECT_TRUE(inner.decodeContext(enclosed.data(), 7, 3) == 7 && inner == device12);
     // Primitives: the device under [0]; the address between [1] pseudo tags.
-    std::vector<DataApplicationValue> primitives;
-    device12.getBACnetPrimitives(primitives);
-    ASSERT_EQ(primitives.size(), 1u);
-    EXPECT_TRUE(primitives[0].getContextTagAsString() == "0" &&
-                primitives[0].getTag() == BACNET_APPLICATION_TAG_OBJECT_ID);
-    primitives.clear();
-    network5.getBACnetPrimitives(primitives);
-    std::vector<std::pair<int, int>> tags;
-    for (const auto& p : primitives) tags.emplace_back(p.tag, p.context_specific ? p.context_tag : -1);
-    EXPECT_EQ(tags, (std::vector<std::pair<int, int>>{{17, 1}, {2, -1}, {6, -1}, {18, 1}}));
+    using Tags = std::vector<std::pair<int, int>>;  // tag, context tag (-1: application)
+    const auto tagsOf = [](const BACnetRecipient& r) {
+        std::vector<DataApplicationValue> primitives;
+        r.getBACnetPrimitives(primitives);
+        Tags tags;
+        for (const auto& p : primitives) tags.emplace_back(p.tag, p.context_specific ? p.context_tag : -1);
+        return tags;
+    };
+    EXPECT_EQ(tagsOf(device12), (Tags{{BACNET_APPLICATION_TAG_OBJECT_ID, 0}}));
+    EXPECT_EQ(tagsOf(network5), (Tags{{17, 1}, {2, -1}, {6, -1}, {18, 1}}));
     const DataApplicationValue first = uintValue(1);
     const DataApplicationValue* next = &first;
     EXPECT_EQ(messageOf<Poco::NotImplementedException>(
