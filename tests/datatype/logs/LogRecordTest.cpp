@@ -207,8 +207,8 @@ TEST(LogMultipleRecord, IsHeldButNotSupported) {
 
 TEST(LogRecordValue, TimestampAndBitStringStorage) {
     BACnetLogRecord record;
-    EXPECT_EQ(record.getChoice(), BACnetLogRecord::NO_VALUE);
-    EXPECT_EQ(record.getTimestamp().epochMicroseconds() % 10000, 0);
+    EXPECT_TRUE(record.getChoice() == BACnetLogRecord::NO_VALUE &&
+                record.getTimestamp().epochMicroseconds() % 10000 == 0);
     EXPECT_EQ(record.setTimestamp(Poco::Timestamp(1000009999)), Poco::Timestamp(1000000000));
     EXPECT_EQ(record.setTimestamp(Poco::Timestamp(-1)), Poco::Timestamp(-10000));
     BACnetLogRecord::BitString bitString;
@@ -239,10 +239,6 @@ TEST(LogRecordValue, TimestampAndBitStringStorage) {
 }
 
 TEST(LogRecordValue, GetRealConvertsOnlyWhenAsked) {
-    EXPECT_EQ(messageOf<Poco::BadCastException>([] {
-                  taken(BACnetLogRecord::UNSIGNED_VALUE, [](D& d) { d.setUnsigned(7); }).getReal(false);
-              }),
-              "BACnetLogRecord::getReal()");
     const std::pair<BACnetLogRecord, float> converted[] = {
         {taken(BACnetLogRecord::UNSIGNED_VALUE, [](D& d) { d.setUnsigned(7); }), 7.0f},
         {taken(BACnetLogRecord::SIGNED_VALUE, [](D& d) { d.setSigned(-3); }), -3.0f},
@@ -250,6 +246,8 @@ TEST(LogRecordValue, GetRealConvertsOnlyWhenAsked) {
         {taken(BACnetLogRecord::TIME_CHANGE, [](D& d) { d.setReal(2.5f); }), 2.5f},
     };
     for (const auto& c : converted) EXPECT_FLOAT_EQ(c.first.getReal(true), c.second);
+    EXPECT_EQ(messageOf<Poco::BadCastException>([&] { converted[0].first.getReal(false); }),
+              "BACnetLogRecord::getReal()");
     EXPECT_FLOAT_EQ(converted[3].first.getReal(false), 2.5f);
     for (uint8_t choice : {BACnetLogRecord::NULL_VALUE, BACnetLogRecord::FAILURE, BACnetLogRecord::NO_VALUE})
         EXPECT_THROW(taken(choice, [](D&) {}).getReal(true), Poco::BadCastException) << int(choice);
@@ -257,11 +255,7 @@ TEST(LogRecordValue, GetRealConvertsOnlyWhenAsked) {
 
 TEST(LogRecordValue, AssignTakesLoggableKindsOnly) {
     BACnetLogRecord record;
-    struct Case {
-        DataApplicationValue v;
-        uint8_t choice;
-    };
-    const Case cases[] = {
+    const std::pair<DataApplicationValue, uint8_t> cases[] = {
         {DataApplicationValue(), BACnetLogRecord::NULL_VALUE},
         {realValue(1.0f), BACnetLogRecord::REAL_VALUE},
         {parsed(BACNET_APPLICATION_TAG_BOOLEAN, "true"), BACnetLogRecord::BOOLEAN_VALUE},
@@ -271,9 +265,9 @@ TEST(LogRecordValue, AssignTakesLoggableKindsOnly) {
         {DataApplicationValue(BACNET_APPLICATION_TAG_REAL, false),
          BACnetLogRecord::NULL_VALUE},  // typed null
     };
-    for (const Case& c : cases) {
-        ASSERT_TRUE(record.assignAppValue(c.v)) << int(c.choice);
-        EXPECT_EQ(record.getChoice(), c.choice);
+    for (const auto& c : cases) {
+        ASSERT_TRUE(record.assignAppValue(c.first)) << int(c.second);
+        EXPECT_EQ(record.getChoice(), c.second);
     }
     // Bit strings keep their first four bytes; the count follows the bits in use.
     ASSERT_TRUE(record.assignAppValue(bits("true,false,false,true,false,false,false,false,true")));
