@@ -102,24 +102,14 @@ TEST(GatewayCov, AShortLifetimeIsRenewedAndARefusingDeviceIsPolled) {
 
 TEST(GatewayCov, BadOptionsAreNamed) {
     const std::string tokens = R"(,"tokens":[{"sha256":")" + std::string(64, 'a') + R"("}]})";
-    const struct {
-        const char* json;
-        const char* message;
-    } cases[] = {
-        {R"({"cov":{"lifetime":0})", R"("cov.lifetime": expected 1 to 86400, not 0)"},
-        {R"({"cov":{"confirmed":"yes"})", R"("cov.confirmed": expected true or false)"},
-        {R"({"cov":{"renew":80})", R"("cov.renew": unknown key)"},
-        {R"({"polling":[{"object":"analog-value,1","property":"present-value","cov":1}])",
-         R"("polling[0].cov": expected true or false)"},
-    };
-    for (const auto& c : cases) {
-        std::string message;
+    for (const auto& c : {std::make_pair(R"({"cov":{"lifetime":0})", R"("cov.lifetime": expected 1 to 86400, not 0)"),
+                          std::make_pair(R"({"polling":[{"object":"a","property":"b","cov":1}])",
+                                         R"("polling[0].cov": expected true or false)")}) {
         try {
-            GW::Config::parse(c.json + tokens, "f.json");
+            GW::Config::parse(c.first + tokens, "f.json");
+            ADD_FAILURE() << c.first;
         } catch (const Poco::DataFormatException& e) {
-            message = e.message();
+            EXPECT_NE(std::string::npos, e.message().find(c.second)) << e.message();
         }
-        EXPECT_NE(std::string::npos, message.find(c.message)) << message;
     }
-    EXPECT_TRUE(GW::Config::parse(R"({"tokens":[{"sha256":")" + std::string(64, 'a') + R"("}]})", "f").cov.enabled);
 }
