@@ -8,6 +8,7 @@
 
 #include <Poco/Exception.h>
 
+#include <algorithm>
 #include <iostream>
 
 namespace TQ {
@@ -23,6 +24,7 @@ using Net::Result;
 namespace {
 
 using Clock = Store::Clock;
+constexpr std::chrono::milliseconds kVouchEvery{500};
 
 bool ready(std::future<Result>& f) {
     return f.valid() && f.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
@@ -47,6 +49,7 @@ struct Gateway::Watched {
     Mode mode = Polling;
     Clock::time_point subscribeAt{};
     std::future<Result> subscription;  ///< the SubscribeCOV in flight
+    Clock::time_point vouchedAt{};
 
     BACNET_OBJECT_TYPE objectType() const { return what.getObjectIdentifier().getObjectType(); }
     uint32_t objectInstance() const { return what.getObjectIdentifier().getInstance(); }
@@ -92,6 +95,15 @@ void Gateway::pollRound(std::vector<Watched>& items) {
     const auto now = Clock::now();
     for (Watched& item : items) {
         if (item.cov) subscribeRound(item, now);
+        if (item.mode == Watched::Subscribed && now >= item.vouchedAt && !isResting(item.device)) {
+            // While the subscription holds, the device reports every change: what is stored is
+            // current and answers reads as a fresh value does.
+            item.vouchedAt = now + std::max(std::chrono::milliseconds(10),
+                                            std::min(kVouchEvery, std::chrono::milliseconds(_config.maxAgeMs / 2)));
+            const int row = _store.propertyRow(item.device, item.what.getObjectIdentifier(),
+                                               item.what.getPropertyIdentifier());
+            if (row >= 0) _store.vouchFor(row);
+        }
         if (ready(item.answer)) {
             const Result r = item.answer.get();
             noteAnswer(item.device, r);

@@ -24,7 +24,7 @@ GW::Config config(uint16_t port, uint32_t device, const std::string& cov, unsign
                   const Poco::TemporaryFile& db) {
     GW::Config c = GW::Config::parse(
         R"({"bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
-            R"(,"discoverMs":300},"database":{"maxAgeMs":600000},"cov":)" + cov + R"(,
+            R"(,"discoverMs":300},"database":{"maxAgeMs":300},"cov":)" + cov + R"(,
             "polling":[{"device":)" + std::to_string(device) +
             R"(,"object":"analog-value,1","property":"present-value","intervalMs":)" + std::to_string(intervalMs) +
             R"(}],"tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})",
@@ -70,6 +70,13 @@ TEST(GatewayCov, AWriteReachesTheStoreByNotificationWithoutPolling) {
     ASSERT_TRUE(eventually([&] { return device.device.covSubscriptions() == 1; }));
     writeBehind(port, "127.0.0.2", 77.25f);
     EXPECT_TRUE(stored(*gateway, 61, "77.25"));
+    // Older than maxAgeMs, the value still answers a read: the subscription vouches for it.
+    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+    ValueContainer read;
+    bool fromStore = false;
+    ASSERT_TRUE(gateway->readProperty(61, kPv, read, true, &fromStore).ok());
+    EXPECT_TRUE(fromStore);
+    EXPECT_FLOAT_EQ(77.25f, read.getReal(false));
     // The subscription and the other client's write; not one ReadProperty.
     EXPECT_EQ(before + 2, device.device.requestsSeen());
     EXPECT_GE(device.device.covAcknowledged(), 2u);
