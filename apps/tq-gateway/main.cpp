@@ -39,8 +39,9 @@ browse them at /. Every request needs "Authorization: Bearer TOKEN" with a confi
   Only "tokens" is required; "postgresql", when given, is used instead of "sqlite".
   Present values and status flags on the polling list are kept fresh by COV subscriptions
   (lifetime in seconds, renewed at 80 %; "confirmed" asks for confirmed notifications) where
-  the device takes them, and polled where it refuses or stays silent; "cov": false on an
-  entry, or "enabled": false for all, polls instead.
+  the device takes them (their stored values then answer reads whatever "maxAgeMs" says), and
+  polled where it refuses or stays silent; "cov": false on an entry, or "enabled": false for
+  all, polls instead.
 --cert, --key      HTTPS with this certificate and key (overrides "tls")
 --hash-token TEXT  prints the sha256 to configure for the token TEXT
 )";
