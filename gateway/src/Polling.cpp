@@ -50,6 +50,8 @@ struct Gateway::Watched {
     Clock::time_point subscribeAt{};
     std::future<Result> subscription;  ///< the SubscribeCOV in flight
     Clock::time_point vouchedAt{};
+    bool heard = false;  ///< a notification came since the subscription was acknowledged
+    Clock::time_point hearBy{};
 
     BACNET_OBJECT_TYPE objectType() const { return what.getObjectIdentifier().getObjectType(); }
     uint32_t objectInstance() const { return what.getObjectIdentifier().getInstance(); }
@@ -95,7 +97,7 @@ void Gateway::pollRound(std::vector<Watched>& items) {
     const auto now = Clock::now();
     for (Watched& item : items) {
         if (item.cov) subscribeRound(item, now);
-        if (item.mode == Watched::Subscribed && now >= item.vouchedAt && !isResting(item.device)) {
+        if (item.mode == Watched::Subscribed && item.heard && now >= item.vouchedAt && !isResting(item.device)) {
             // While the subscription holds, the device reports every change: what is stored is
             // current and answers reads as a fresh value does.
             item.vouchedAt = now + std::max(std::chrono::milliseconds(10),
@@ -126,6 +128,10 @@ void Gateway::subscribeRound(Watched& item, Clock::time_point now) {
         const Result r = item.subscription.get();
         noteAnswer(item.device, r);
         if (r.kind == Result::SimpleAck) {
+            // A device sends the values right after it takes a subscription; one that does not
+            // (or whose notifications do not reach us) is polled.
+            if (item.mode != Watched::Subscribed)
+                item.hearBy = now + std::chrono::milliseconds(_config.apduTimeoutMs * (_config.retries + 1));
             item.mode = Watched::Subscribed;
             // Renewed when 80 % of the lifetime has passed: time for a lost request and its retries.
             item.subscribeAt = now + std::chrono::duration_cast<std::chrono::milliseconds>(lifetime) * 4 / 5;
@@ -141,7 +147,16 @@ void Gateway::subscribeRound(Watched& item, Clock::time_point now) {
         item.subscribeAt = now + lifetime;
         return;
     }
+    if (item.mode == Watched::Subscribed && !item.heard && now >= item.hearBy) {
+        std::cerr << "polling: device " << item.device << " " << item.what.getObjectIdentifier().getPath(false)
+                  << ": subscribed, but no notification came; polled instead" << std::endl;
+        item.mode = Watched::Polling;
+        item.due = now;
+        item.subscribeAt = now + lifetime;
+        return;
+    }
     if (item.subscription.valid() || now < item.subscribeAt || isResting(item.device)) return;
+    if (item.mode != Watched::Subscribed) item.heard = false;
     item.subscription = _port.submit(item.device, Cov::subscribeRequest(item.processId, item.objectType(),
                                                                          item.objectInstance(), _config.cov.confirmed,
                                                                          _config.cov.lifetimeS));
@@ -153,6 +168,7 @@ void Gateway::storeNotified(std::vector<Watched>& items) {
             if (!item.cov || item.processId != n.processId || item.device != n.device ||
                 item.objectType() != n.objectType || item.objectInstance() != n.objectInstance)
                 continue;
+            item.heard = true;
             const Net::CovValue* v = n.find(item.what.getPropertyIdentifier());
             const int row = _store.propertyRow(item.device, item.what.getObjectIdentifier(),
                                                item.what.getPropertyIdentifier());

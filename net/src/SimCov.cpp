@@ -120,6 +120,7 @@ void SimCov::check(const SimDevice::Sender& send) {
 
 void SimCov::notify(Subscription& s, const SimDevice::Sender& send, Clock::time_point now) {
     s.due = false;
+    if (_options.silentCov) return;
     BACNET_PROPERTY_VALUE_REF values[2];
     BACNET_COV_DATA d{};
     d.subscriber_process_identifier = s.processId;

@@ -1,6 +1,6 @@
 // The gateway keeps its polling list fresh by COV subscriptions: a write to the device reaches
-// the stored value by notification with no poll, a short lifetime is renewed, a refusing device
-// is polled, and the subscriptions are cancelled when the gateway stops.
+// the stored value by notification with no poll, a short lifetime is renewed, a device that
+// refuses or never notifies is polled, and the subscriptions are cancelled when the gateway stops.
 #include "../net/NetTestSupport.h"
 
 #include "TQ_BACnet/Gateway/Gateway.h"
@@ -84,19 +84,22 @@ TEST(GatewayCov, AWriteReachesTheStoreByNotificationWithoutPolling) {
     EXPECT_EQ(0u, device.device.covSubscriptions());
 }
 
-TEST(GatewayCov, AShortLifetimeIsRenewedAndARefusingDeviceIsPolled) {
+TEST(GatewayCov, AShortLifetimeIsRenewedAndRefusingOrSilentDevicesArePolled) {
     const uint16_t port = uint16_t(basePort() + 3);
     DeviceThread subscribed("127.0.0.2", port, 62);
-    SimDeviceOptions full;
+    SimDeviceOptions full, silent;
     full.refuseCov = true;
-    DeviceThread refusing("127.0.0.3", port, 63, full);
+    silent.silentCov = true;
+    DeviceThread refusing("127.0.0.3", port, 63, full), mute("127.0.0.4", port, 64, silent);
     Poco::TemporaryFile db;
     GW::Config c = config(port, 62, R"({"lifetime":1})", 86400000, db);
-    c.polling.push_back(c.polling[0]);
-    c.polling[1].device = 63;
-    c.polling[1].intervalMs = 100;
+    for (uint32_t device : {63, 64}) {
+        c.polling.push_back(c.polling[0]);
+        c.polling.back().device = device;
+        c.polling.back().intervalMs = 100;
+    }
     GW::Gateway gateway(c);
-    ASSERT_EQ(gateway.discover(), (std::vector<uint32_t>{62, 63}));
+    ASSERT_EQ(gateway.discover(), (std::vector<uint32_t>{62, 63, 64}));
     gateway.startPolling();
     // Three lifetimes later the subscription still holds and still notifies.
     std::this_thread::sleep_for(std::chrono::seconds(3));
@@ -105,6 +108,8 @@ TEST(GatewayCov, AShortLifetimeIsRenewedAndARefusingDeviceIsPolled) {
     EXPECT_TRUE(stored(gateway, 62, "12.5"));
     writeBehind(port, "127.0.0.3", 5.5f);
     EXPECT_TRUE(stored(gateway, 63, "5.5"));
+    writeBehind(port, "127.0.0.4", 6.5f);
+    EXPECT_TRUE(stored(gateway, 64, "6.5"));
 }
 
 TEST(GatewayCov, BadOptionsAreNamed) {

@@ -27,6 +27,8 @@ struct SimDeviceOptions {
     /// Refuse every SubscribeCOV with an Error (resources), as a device whose subscriptions are
     /// full does; cancellations are still taken.
     bool refuseCov = false;
+    /// Take subscriptions but never notify (as when notifications cannot reach the subscriber).
+    bool silentCov = false;
 };
 
 /// A BACnet/IP device on a link: answers Who-Is, ReadProperty, ReadPropertyMultiple,
