@@ -58,6 +58,7 @@ int ucov_notify_encode_apdu(uint8_t* apdu, const BACNET_COV_DATA* data);
 int cov_notify_encode_service_request(uint8_t* apdu, const BACNET_COV_DATA* data);
 // Either notification's service data. Values point into apdu. BACNET_STATUS_ERROR for malformed
 // or truncated data, an initiating identifier that names no device, or trailing bytes;
-// BACNET_STATUS_REJECT for more values than capacity or a priority outside 1..16. The record is
-// written only on success (the values array up to capacity also on REJECT).
+// BACNET_STATUS_REJECT for more values than capacity or a priority outside 1..16. The record's
+// fields (count included) are written only on success; the values array may be written to
+// whatever the outcome.
 int cov_notify_decode_service_request(const uint8_t* apdu, uint32_t apdu_len, BACNET_COV_DATA* data);
