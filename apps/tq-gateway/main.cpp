@@ -31,11 +31,17 @@ browse them at /. Every request needs "Authorization: Bearer TOKEN" with a confi
                   "localDevice": 4194302 },
     "database": { "sqlite": "tq-gateway.db", "postgresql": "host=... dbname=...", "maxAgeMs": 5000 },
     "polling":  [ { "device": 101, "object": "analog-input,1", "property": "present-value",
-                    "intervalMs": 2000 } ],
+                    "intervalMs": 2000, "cov": true } ],
+    "cov":      { "enabled": true, "lifetime": 300, "confirmed": false },
     "tokens":   [ { "sha256": "<64 hex digits>", "rights": "read" },
                   { "sha256": "<64 hex digits>", "rights": "read-write" } ]
   }
   Only "tokens" is required; "postgresql", when given, is used instead of "sqlite".
+  Present values and status flags on the polling list are kept fresh by COV subscriptions
+  (lifetime in seconds, renewed at 80 %; "confirmed" asks for confirmed notifications) where
+  the device takes them (their stored values then answer reads whatever "maxAgeMs" says), and
+  polled where it refuses or stays silent; "cov": false on an entry, or "enabled": false for
+  all, polls instead.
 --cert, --key      HTTPS with this certificate and key (overrides "tls")
 --hash-token TEXT  prints the sha256 to configure for the token TEXT
 )";

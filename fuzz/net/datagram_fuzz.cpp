@@ -3,6 +3,7 @@
 // that answers and segments find a transaction. Nothing is sent anywhere: both links transmit
 // into the void.
 #include "TQ_BACnet/Net/Client.h"
+#include "TQ_BACnet/Net/Cov.h"
 #include "TQ_BACnet/Net/SimDevice.h"
 
 #include <cstddef>
@@ -21,6 +22,8 @@ struct Harness {
         clientLink.setTransmit(none);
         deviceLink.setTransmit(none);
         objects.addDemoSet(20, 0);
+        // COV notifications are taken (and confirmed ones acknowledged) like a subscriber does.
+        client.onCovNotification([this](const CovNotification& n) { notified += unsigned(n.values.size()); });
         peer.mac_len = 6;
         for (int i = 0; i < 6; ++i) peer.mac[i] = kPeer[i];
     }
@@ -46,6 +49,7 @@ struct Harness {
     SimDevice device;
     BACNET_ADDRESS peer{};
     int handle = -1;
+    unsigned notified = 0;
 };
 
 }  // namespace

@@ -41,6 +41,8 @@ Result failed() {
 // the socket a little longer.
 constexpr int kBusyPollMs = 1;
 constexpr int kIdlePollMs = 5;
+// COV notifications kept for the polling thread between two of its rounds.
+constexpr std::size_t kMaxNotifications = 4096;
 
 }  // namespace
 
@@ -55,6 +57,10 @@ BacnetPort::BacnetPort(const Config& config) {
     options.apduTimeoutMs = config.apduTimeoutMs;
     options.retries = config.retries;
     _client = std::make_unique<Net::Client>(*_link, options);
+    _client->onCovNotification([this](const Net::CovNotification& n) {
+        std::lock_guard<std::mutex> lock(_mutex);
+        if (_notifications.size() < kMaxNotifications) _notifications.push_back(n);
+    });
     if (!config.bbmd.empty()) {
         uint8_t bbmd[6];
         parseEndpoint(config.bbmd, bbmd);
@@ -92,6 +98,13 @@ std::future<std::vector<Net::IAm>> BacnetPort::discover(unsigned durationMs) {
     std::lock_guard<std::mutex> lock(_mutex);
     _discoveries.emplace_back(durationMs, std::move(p));
     return f;
+}
+
+std::vector<Net::CovNotification> BacnetPort::takeNotifications() {
+    std::vector<Net::CovNotification> taken;
+    std::lock_guard<std::mutex> lock(_mutex);
+    taken.swap(_notifications);
+    return taken;
 }
 
 bool BacnetPort::knows(uint32_t device) const {

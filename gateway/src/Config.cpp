@@ -47,6 +47,11 @@ public:
                           std::to_string(n));
         return uint64_t(n);
     }
+    bool flag(const std::string& key) const {
+        const auto v = get(key);
+        if (!v.isBoolean()) fail(key, "expected true or false");
+        return v.convert<bool>();
+    }
     Object::Ptr object(const std::string& key) const {
         Object::Ptr o = _object->getObject(key);
         if (!o) fail(key, "expected an object { ... }");
@@ -174,10 +179,20 @@ Config Config::parse(const std::string& text, const std::string& source) {
                      {"property", [&](const std::string& key) { item.property = s.text(key); }},
                      {"intervalMs",
                       [&](const std::string& key) { item.intervalMs = unsigned(s.number(key, 100, 86400000)); }},
+                     {"cov", [&](const std::string& key) { item.cov = s.flag(key); }},
                  });
                  if (item.object.empty() || item.property.empty()) s.fail("", "needs \"object\" and \"property\"");
                  c.polling.push_back(item);
              }
+         }},
+        {"cov",
+         [&](const std::string& k) {
+             const Section s(top.object(k), "cov.", source);
+             s.each({
+                 {"enabled", [&](const std::string& key) { c.cov.enabled = s.flag(key); }},
+                 {"lifetime", [&](const std::string& key) { c.cov.lifetimeS = unsigned(s.number(key, 1, 86400)); }},
+                 {"confirmed", [&](const std::string& key) { c.cov.confirmed = s.flag(key); }},
+             });
          }},
         {"tokens",
          [&](const std::string& k) {

@@ -173,55 +173,6 @@ std::vector<uint32_t> Gateway::discover() {
     return found;
 }
 
-void Gateway::startPolling() {
-    if (_config.polling.empty() || _poller.joinable()) return;
-    _poller = std::thread([this] { poll(); });
-}
-
-void Gateway::poll() {
-    struct Item {
-        uint32_t device;
-        BACnetObjectPropertyReference what;
-        std::chrono::milliseconds interval;
-        Store::Clock::time_point due;
-        std::future<Result> answer;
-    };
-    std::vector<Item> items;
-    for (const PollItem& p : _config.polling) {
-        WS::DataWsError error;
-        try {
-            const ObjectIdentifier object(p.object);
-            const BACNET_PROPERTY_ID property = WS::UriParser::getPropIdentifier(p.property, error);
-            items.push_back(Item{p.device, BACnetObjectPropertyReference(object, property, BACNET_ARRAY_ALL),
-                                 std::chrono::milliseconds(p.intervalMs), Store::Clock::now(), {}});
-        } catch (const Poco::Exception& e) {
-            std::cerr << "polling: " << p.object << " " << p.property << " left out: " << e.displayText()
-                      << std::endl;
-        }
-    }
-    std::unique_lock<std::mutex> lock(_pollMutex);
-    while (!_stopPolling) {
-        const auto now = Store::Clock::now();
-        for (Item& item : items) {
-            if (item.answer.valid()) {
-                if (item.answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready) continue;
-                const Result r = item.answer.get();
-                noteAnswer(item.device, r);
-                ValueContainer value;
-                const int row = _store.propertyRow(item.device, item.what.getObjectIdentifier(),
-                                                   item.what.getPropertyIdentifier());
-                if (DeviceOperations::readPropertyAnswer(r, item.what, value).ok() && row >= 0)
-                    _store.update(row, value);
-                continue;
-            }
-            if (now < item.due || isResting(item.device)) continue;
-            item.due = now + item.interval;
-            item.answer = _port.submit(item.device, DeviceOperations::readPropertyRequest(item.what));
-        }
-        _pollWake.wait_for(lock, std::chrono::milliseconds(10));
-    }
-}
-
 }  // namespace Gateway
 }  // namespace BACnet
 }  // namespace TQ

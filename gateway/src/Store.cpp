@@ -138,6 +138,14 @@ bool Store::freshValue(int row, unsigned maxAgeMs, std::string& text) {
     return true;
 }
 
+bool Store::vouchFor(int row) {
+    std::lock_guard<std::mutex> lock(_mutex);
+    const auto written = _written.find(row);
+    if (written == _written.end()) return false;
+    written->second.at = Clock::now();
+    return true;
+}
+
 bool Store::update(int row, const ValueContainer& value) {
     std::string text;
     value.getText(text, false);

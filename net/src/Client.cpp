@@ -1,5 +1,7 @@
 #include "TQ_BACnet/Net/Client.h"
 
+#include "TQ_BACnet/Net/Cov.h"
+
 #include "tq_stack/apdu.h"
 #include "tq_stack/create_object.h"
 #include "tq_stack/iam.h"
@@ -160,14 +162,20 @@ void Client::dispatch(const Received& frame) {
     const uint8_t type = apdu[0] & kTypeMask;
     uint8_t id = 0, service = 0, reason = 0;
     if (type == PDU_TYPE_UNCONFIRMED_SERVICE_REQUEST) {
-        if (apdu_decode_unconfirmed_header(apdu, length, &service) > 0 && service == SERVICE_UNCONFIRMED_I_AM)
+        if (apdu_decode_unconfirmed_header(apdu, length, &service) < 0) return;
+        if (service == SERVICE_UNCONFIRMED_I_AM)
             handleIAm(frame, apdu + APDU_UNCONFIRMED_HEADER_LEN, length - APDU_UNCONFIRMED_HEADER_LEN);
+        else if (service == SERVICE_UNCONFIRMED_COV_NOTIFICATION && _covHandler)
+            handleCov(frame, apdu + APDU_UNCONFIRMED_HEADER_LEN, length - APDU_UNCONFIRMED_HEADER_LEN, -1);
         return;
     }
     if (type == PDU_TYPE_CONFIRMED_SERVICE_REQUEST) {
-        // A client serves nothing.
+        // A client serves nothing but the notifications it subscribed to.
         BACNET_CONFIRMED_SERVICE_DATA header;
-        if (apdu_decode_confirmed_header(apdu, length, &header) < 0) return _link.drops().note(Drop::BadApdu, frame.source.mac);
+        const int h = apdu_decode_confirmed_header(apdu, length, &header);
+        if (h < 0) return _link.drops().note(Drop::BadApdu, frame.source.mac);
+        if (header.service_choice == SERVICE_CONFIRMED_COV_NOTIFICATION && !header.segmented_message && _covHandler)
+            return handleCov(frame, apdu + h, length - unsigned(h), header.invoke_id);
         uint8_t reject[3];
         apdu_encode_reject(reject, header.invoke_id, REJECT_REASON_UNRECOGNIZED_SERVICE);
         _link.send(frame.source, reject, sizeof reject, false);
@@ -277,6 +285,34 @@ void Client::handleIAm(const Received& frame, const uint8_t* data, unsigned leng
     for (IAm& seen : *_collecting)
         if (seen.deviceInstance == iam.deviceInstance) return void(seen = iam);
     if (_collecting->size() < kMaxBindings) _collecting->push_back(iam);
+}
+
+void Client::handleCov(const Received& frame, const uint8_t* data, unsigned length, int invokeId) {
+    CovNotification n;
+    n.source = frame.source;
+    n.confirmed = invokeId >= 0;
+    const bool ok = Cov::decode(data, length, n);
+    if (n.confirmed) {
+        uint8_t answer[3];
+        if (ok)
+            apdu_encode_simple_ack(answer, uint8_t(invokeId), SERVICE_CONFIRMED_COV_NOTIFICATION);
+        else
+            apdu_encode_reject(answer, uint8_t(invokeId), REJECT_REASON_INVALID_TAG);
+        _link.send(frame.source, answer, sizeof answer, false);
+    }
+    if (!ok) return _link.drops().note(Drop::BadApdu, frame.source.mac);
+    _covHandler(n);
+}
+
+Result Client::subscribeCov(const BACNET_ADDRESS& to, uint32_t processId, BACNET_OBJECT_TYPE type,
+                            uint32_t instance, bool confirmed, uint32_t lifetimeS) {
+    const Request r = Cov::subscribeRequest(processId, type, instance, confirmed, lifetimeS);
+    return r.ok() ? request(to, r.service, r.data) : Result();
+}
+
+Result Client::cancelCov(const BACNET_ADDRESS& to, uint32_t processId, BACNET_OBJECT_TYPE type, uint32_t instance) {
+    const Request r = Cov::cancelRequest(processId, type, instance);
+    return r.ok() ? request(to, r.service, r.data) : Result();
 }
 
 Result Client::request(const BACNET_ADDRESS& to, uint8_t service, const uint8_t* data, unsigned length) {

@@ -1,5 +1,6 @@
 #include "TQ_BACnet/Net/SimDevice.h"
 
+#include "SimCov.h"
 #include "SimServices.h"
 #include "tq_stack/apdu.h"
 #include "tq_stack/create_object.h"
@@ -47,7 +48,7 @@ struct SimDevice::Outgoing {
 };
 
 SimDevice::SimDevice(Link& link, SimObjects& objects, const SimDeviceOptions& options)
-    : _link(link), _objects(objects), _options(options) {
+    : _link(link), _objects(objects), _options(options), _cov(std::make_unique<SimCov>(objects, options)) {
     _options.windowSize = uint8_t(std::max(1, std::min(int(APDU_MAX_WINDOW_SIZE), int(_options.windowSize))));
     _send = [this](const BACNET_ADDRESS& to, const uint8_t* apdu, unsigned length) {
         _link.send(to, apdu, length, false);
@@ -55,6 +56,9 @@ SimDevice::SimDevice(Link& link, SimObjects& objects, const SimDeviceOptions& op
 }
 
 SimDevice::~SimDevice() = default;
+
+unsigned SimDevice::covSubscriptions() const { return _cov->subscriptions(); }
+unsigned SimDevice::covAcknowledged() const { return _cov->acknowledged(); }
 
 void SimDevice::run(const std::atomic<bool>& stop) {
     while (!stop.load()) poll(50);
@@ -88,7 +92,8 @@ void SimDevice::handle(const Received& frame) {
             if (frame.apduLength >= 3) _outgoing.erase(keyOf(frame.source, frame.apdu[1]));
             return;
         default:
-            // A device that asked nothing expects no answers.
+            // Answers to its confirmed notifications; a device that asked nothing expects no others.
+            _cov->answered(frame);
             return;
     }
 }
@@ -113,7 +118,11 @@ void SimDevice::confirmed(const Received& frame) {
         const int n = apdu_encode_abort(apdu, header.invoke_id, ABORT_REASON_SEGMENTATION_NOT_SUPPORTED, true);
         return _send(frame.source, apdu, unsigned(n));
     }
-    const Response r = serve(_objects, _store, header.service_choice, frame.apdu + h, frame.apduLength - unsigned(h));
+    const uint8_t* data = frame.apdu + h;
+    const unsigned length = frame.apduLength - unsigned(h);
+    const Response r = header.service_choice == SERVICE_CONFIRMED_SUBSCRIBE_COV
+                           ? _cov->subscribe(frame.source, data, length)
+                           : serve(_objects, _store, header.service_choice, data, length);
     const uint8_t id = header.invoke_id, service = header.service_choice;
     uint8_t small[32];
     int n = 0;
@@ -136,6 +145,8 @@ void SimDevice::confirmed(const Received& frame) {
         }
     }
     _send(frame.source, small, unsigned(n));
+    // A write's change (or a new subscription) is notified right after its acknowledgement.
+    _cov->check(_send);
 }
 
 void SimDevice::respond(const Received& frame, uint8_t invokeId, uint8_t service, unsigned maxApdu, bool segmentedOk,
@@ -211,6 +222,7 @@ void SimDevice::segmentAck(const Received& frame) {
 }
 
 void SimDevice::checkTimers() {
+    _cov->check(_send);
     const auto now = Clock::now();
     for (auto i = _outgoing.begin(); i != _outgoing.end();) {
         Outgoing& o = *i->second;

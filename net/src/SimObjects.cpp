@@ -86,9 +86,9 @@ SimObjects::SimObjects(uint32_t deviceInstance, const std::string& name) : _devi
     p[PROP_APPLICATION_SOFTWARE_VERSION] = single(textValue("1.0"));
     p[PROP_PROTOCOL_VERSION] = single(unsignedValue(1));
     p[PROP_PROTOCOL_REVISION] = single(unsignedValue(22));
-    // Bits of BACnetServicesSupported: CreateObject, DeleteObject, ReadProperty,
+    // Bits of BACnetServicesSupported: SubscribeCOV, CreateObject, DeleteObject, ReadProperty,
     // ReadPropertyMultiple, WriteProperty, I-Am, Who-Is, ReadRange.
-    p[PROP_PROTOCOL_SERVICES_SUPPORTED] = single(bitsValue(49, {10, 11, 12, 14, 15, 26, 34, 35}));
+    p[PROP_PROTOCOL_SERVICES_SUPPORTED] = single(bitsValue(49, {5, 10, 11, 12, 14, 15, 26, 34, 35}));
     p[PROP_PROTOCOL_OBJECT_TYPES_SUPPORTED] = single(bitsValue(63, {0, 1, 2, 3, 4, 5, 8, 17, 19, 20}));
     p[PROP_MAX_APDU_LENGTH_ACCEPTED] = single(unsignedValue(MAX_APDU));
     p[PROP_SEGMENTATION_SUPPORTED] = single(enumValue(SEGMENTATION_BOTH));

@@ -16,6 +16,7 @@
 
 #include "tq_stack/apdu.h"
 #include "tq_stack/context_decode.h"
+#include "tq_stack/cov.h"
 #include "tq_stack/iam.h"
 #include "tq_stack/rp.h"
 #include "tq_stack/rpm.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQ_BACnet/Net/Cov.h"
 #include "TQ_BACnet/Net/DeviceOperations.h"
 
 #include <atomic>
@@ -38,6 +39,10 @@ public:
     /// Who-Is to all devices (and through the BBMD when registered); the devices that answered.
     std::future<std::vector<Net::IAm>> discover(unsigned durationMs);
 
+    /// The COV notifications that arrived since the last call, oldest first (confirmed ones were
+    /// acknowledged on arrival). Held up to a bound; a flood beyond it is dropped.
+    std::vector<Net::CovNotification> takeNotifications();
+
     bool knows(uint32_t device) const;
     /// The devices seen so far, by instance.
     std::map<uint32_t, Net::IAm> devices() const;
@@ -61,6 +66,7 @@ private:
     std::deque<std::unique_ptr<Job>> _incoming;
     std::deque<std::pair<unsigned, std::promise<std::vector<Net::IAm>>>> _discoveries;
     std::map<uint32_t, Net::IAm> _devices;
+    std::vector<Net::CovNotification> _notifications;
 
     std::vector<std::unique_ptr<Job>> _waiting;  ///< network thread only
     std::atomic<bool> _stop{false};

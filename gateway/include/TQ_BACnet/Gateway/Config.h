@@ -14,6 +14,18 @@ struct PollItem {
     std::string object;    ///< "analog-input,1"
     std::string property;  ///< "present-value" or its number
     unsigned intervalMs = 10000;
+    /// Kept fresh by a COV subscription where the device takes one (present-value and
+    /// status-flags only; other properties are always polled).
+    bool cov = true;
+};
+
+/// Change-of-value subscriptions for the polling list: subscribed with this lifetime, renewed
+/// when 80 % of it has passed; a device that refuses or does not answer is polled instead and
+/// asked again after one lifetime. Cancelled when the gateway stops.
+struct CovOptions {
+    bool enabled = true;
+    unsigned lifetimeS = 300;
+    bool confirmed = false;  ///< ask for confirmed notifications (acknowledged by the gateway)
 };
 
 /// An access token, kept only as the SHA-256 of its text (lower-case hexadecimal).
@@ -54,6 +66,7 @@ struct Config {
     unsigned maxAgeMs = 5000;  ///< a stored value younger than this answers a read
 
     std::vector<PollItem> polling;
+    CovOptions cov;
     std::vector<TokenEntry> tokens;
 
     /// Reads and checks a file; Poco::DataFormatException naming the file and the key at fault.

@@ -16,7 +16,7 @@ namespace BACnet {
 namespace Gateway {
 
 /// The gateway's BACnet side: its port, the devices it found and their stored tree, and the
-/// polling that keeps stored values fresh. Every call may come from any HTTP worker; a call
+/// polling and COV subscriptions that keep stored values fresh. Every call may come from any HTTP worker; a call
 /// waits only for its own device.
 class Gateway {
 public:
@@ -26,7 +26,8 @@ public:
     /// Who-Is, then each answering device's object list and object names and present values
     /// into the stored tree. Returns the devices that answered.
     std::vector<uint32_t> discover();
-    /// Starts the background polling of the configured list.
+    /// Starts keeping the configured list fresh in the background: by COV subscription where
+    /// the device takes one, by polling otherwise.
     void startPolling();
 
     /// A property read live, or from the stored value when it is younger than the configured
@@ -50,7 +51,12 @@ private:
     Net::Result run(uint32_t device, Net::Request request);
     void noteAnswer(uint32_t device, const Net::Result& result);
     bool readObjects(uint32_t device, std::vector<Store::FoundObject>& objects);
+    struct Watched;
     void poll();
+    void pollRound(std::vector<Watched>& items);
+    void subscribeRound(Watched& item, Store::Clock::time_point now);
+    void storeNotified(std::vector<Watched>& items);
+    void cancelSubscriptions(std::vector<Watched>& items);
 
     struct Health {
         unsigned failures = 0;

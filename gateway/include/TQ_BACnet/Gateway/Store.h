@@ -48,6 +48,9 @@ public:
     /// The value text this process stored in a row within maxAgeMs (kept beside the database as
     /// well, so that a fresh read costs no query); false when older or unknown.
     bool freshValue(int row, unsigned maxAgeMs, std::string& text);
+    /// The value this process stored in a row is still the device's (a COV subscription vouches
+    /// for it): its age starts again. False when nothing was stored there.
+    bool vouchFor(int row);
     /// Writes a value through the prepared update statement and notes its time.
     bool update(int row, const ValueContainer& value);
 

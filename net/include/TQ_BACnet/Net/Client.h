@@ -3,6 +3,7 @@
 #include "TQ_BACnet/Net/Link.h"
 #include "tq_stack/enums.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -10,6 +11,8 @@
 namespace TQ {
 namespace BACnet {
 namespace Net {
+
+struct CovNotification;
 
 struct ClientOptions {
     unsigned apduTimeoutMs = 3000;
@@ -80,6 +83,15 @@ public:
     /// The address a device was last seen at; false when unknown.
     bool addressOf(uint32_t deviceInstance, BACNET_ADDRESS& out) const;
 
+    /// Where COV notifications go (called from `poll`). A confirmed one is acknowledged with a
+    /// Simple-ACK once it decodes; without a handler confirmed ones are rejected as before.
+    using CovHandler = std::function<void(const CovNotification&)>;
+    void onCovNotification(CovHandler handler) { _covHandler = std::move(handler); }
+    /// SubscribeCOV (lifetimeS 0: no expiry) and its cancellation, waiting for the answer.
+    Result subscribeCov(const BACNET_ADDRESS& to, uint32_t processId, BACNET_OBJECT_TYPE type, uint32_t instance,
+                        bool confirmed, uint32_t lifetimeS);
+    Result cancelCov(const BACNET_ADDRESS& to, uint32_t processId, BACNET_OBJECT_TYPE type, uint32_t instance);
+
     /// Handles one APDU the link took (what `poll` does with each).
     void dispatch(const Received& frame);
 
@@ -89,6 +101,7 @@ public:
 private:
     struct Transaction;
     void handleIAm(const Received& frame, const uint8_t* data, unsigned length);
+    void handleCov(const Received& frame, const uint8_t* data, unsigned length, int invokeId);
     void handleSegment(Transaction& t, const Received& frame, const uint8_t* apdu, unsigned length);
     void finish(Transaction& t, Result::Kind kind);
     void sendSegmentAck(Transaction& t, bool nak, uint8_t sequence);
@@ -103,6 +116,7 @@ private:
     uint8_t _nextInvokeId = 0;
     std::map<uint32_t, IAm> _bindings;
     std::vector<IAm>* _collecting = nullptr;
+    CovHandler _covHandler;
 };
 
 }  // namespace Net

@@ -13,6 +13,7 @@ namespace BACnet {
 namespace Net {
 
 class TreeStore;
+class SimCov;
 
 struct SimDeviceOptions {
     /// Confirmed requests ignored before the first one is answered (a lossy link).
@@ -23,12 +24,18 @@ struct SimDeviceOptions {
     uint8_t windowSize = 8;
     unsigned segmentTimeoutMs = 2000;
     unsigned segmentRetries = 3;
+    /// Refuse every SubscribeCOV with an Error (resources), as a device whose subscriptions are
+    /// full does; cancellations are still taken.
+    bool refuseCov = false;
+    /// Take subscriptions but never notify (as when notifications cannot reach the subscriber).
+    bool silentCov = false;
 };
 
 /// A BACnet/IP device on a link: answers Who-Is, ReadProperty, ReadPropertyMultiple,
-/// WriteProperty, ReadRange, CreateObject and DeleteObject from its objects, rejects other
-/// confirmed services, and segments answers larger than the client accepts when the client
-/// takes segmented answers.
+/// WriteProperty, ReadRange, CreateObject, DeleteObject and SubscribeCOV from its objects,
+/// rejects other confirmed services, and segments answers larger than the client accepts when
+/// the client takes segmented answers. Subscribers get a COV notification (confirmed or not, as
+/// they asked) when a subscribed object's present value or status flags change.
 class SimDevice {
 public:
     SimDevice(Link& link, SimObjects& objects, const SimDeviceOptions& options = SimDeviceOptions());
@@ -51,6 +58,9 @@ public:
     void setStore(TreeStore* store) { _store = store; }
 
     unsigned requestsSeen() const { return _requests; }
+    /// COV subscriptions held, and confirmed notifications acknowledged (from any thread).
+    unsigned covSubscriptions() const;
+    unsigned covAcknowledged() const;
 
 private:
     struct Outgoing;
@@ -69,6 +79,7 @@ private:
     TreeStore* _store = nullptr;
     unsigned _requests = 0;
     std::map<uint64_t, std::unique_ptr<Outgoing>> _outgoing;
+    std::unique_ptr<SimCov> _cov;
 };
 
 }  // namespace Net
