@@ -119,15 +119,18 @@ std::vector<std::string> MarkupOptions::splitString(std::string text, std::strin
 }
 
 void MarkupOptions::parseOptionsFromQuery(std::string_view query) {
-    // The items and parts splitString(..., true) gives, found in place: a request's options are
-    // read on every request, and the tokenizers' vectors cost more than the options themselves.
+    // The items and parts splitString(..., true) gives, found in place by a plain scan: a
+    // request's options are read on every request, and are a few characters long.
     const auto isBlank = [](char c) { return Poco::Ascii::isSpace(c); };
-    for (std::size_t start = 0; start <= query.size();) {
-        const std::size_t end = std::min(query.find('&', start), query.size());
+    const std::size_t size = query.size();
+    for (std::size_t start = 0; start <= size;) {
+        std::size_t end = start;
+        while (end < size && query[end] != '&') ++end;
         std::string_view parts[2];
         int count = 0;
         for (std::size_t from = start; from <= end && count < 2;) {
-            const std::size_t stop = std::min(query.find('=', from), end);
+            std::size_t stop = from;
+            while (stop < end && query[stop] != '=') ++stop;
             std::size_t first = from, last = stop;
             while (first < last && isBlank(query[first])) ++first;
             while (last > first && isBlank(query[last - 1])) --last;
