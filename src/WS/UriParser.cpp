@@ -263,7 +263,8 @@ bool UriParser::validate(const Items& path, DotBACnetPathParams& params, DataWsE
         if (parts.count == 2) {
             const std::string_view type = parts.item[0] == "trendlog" ? "trend-log" : parts.item[0];
             const BACNET_OBJECT_TYPE objectType = getObjType(type, error);
-            params.objectId = DataType::ObjectIdentifier(objectType, getObjInstance(parts.item[1], false, error));
+            params.objectId =
+                DataType::ObjectIdentifier(objectType, getObjInstance(parts.item[1], false, error));
         } else if (parts.count == 1 && parts.item[0] == kDevice) {
             params.objectId = DataType::ObjectIdentifier(OBJECT_DEVICE, params.deviceInstance);
         } else {
@@ -281,7 +282,8 @@ bool UriParser::validate(const Items& path, DotBACnetPathParams& params, DataWsE
                      quoted(property) + " is not supported for objects of type \"file\"");
             else
                 fail(error, DataWsError::WS_ERR_NOT_A_FILE,
-                     joined("property as path item \"/", property, "\" is only valid with object type \"file\""));
+                     joined("property as path item \"/", property,
+                            "\" is only valid with object type \"file\""));
             return false;
         }
         params.propertyId = getPropIdentifier(property, error);

@@ -23,7 +23,8 @@ inline Result read(std::string_view text, uint32_t& out) {
     if (n <= 9) {
         uint32_t value = 0;
         std::size_t i = 0;
-        for (; i < n && text[i] >= '0' && text[i] <= '9'; ++i) value = value * 10 + static_cast<unsigned>(text[i] - '0');
+        for (; i < n && text[i] >= '0' && text[i] <= '9'; ++i)
+            value = value * 10 + static_cast<unsigned>(text[i] - '0');
         if (i == n) {
             out = value;
             return Result::Ok;
