@@ -123,7 +123,7 @@ public:
         WS::MarkupFactoryMaker::flushAndDeleteMarkupFactoryPointer(_factory);
         _factory = nullptr;
         const std::string body = _out.str();
-        response.setContentType(_options.contentType);
+        response.setContentType(std::string(_options.contentType));
         if (_options.compression == 1) response.set("Content-Encoding", "gzip");
         if (_options.compression == 0) response.set("Content-Encoding", "deflate");
         response.setContentLength(std::streamsize(body.size()));

@@ -41,7 +41,7 @@ DotBACnetPathParams::DotBACnetPathParams(HttpMethod method, BACNET_SERVICES_SUPP
             "Internal Error: Selected serivice not supported or not valid for selected HTTP method");
 }
 
-bool DotBACnetPathParams::setService(const std::string& name) {
+bool DotBACnetPathParams::setService(std::string_view name) {
     if (name.empty()) return true;
     for (const SD* row = _validServices; row->service != NO_SERVICE; ++row) {
         if (row->httpMethod == httpMethod && name == row->name) {

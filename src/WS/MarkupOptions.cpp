@@ -6,7 +6,7 @@
 #include <Poco/StringTokenizer.h>
 
 #include <algorithm>
-#include <cstring>
+#include <type_traits>
 
 namespace TQ {
 namespace BACnet {
@@ -30,60 +30,82 @@ const std::string MarkupOptions::ALT_PLAIN = "plain";
 const std::string MarkupOptions::ALT_JSON = "json";
 const std::string MarkupOptions::ALT_XML = "xml";
 
-const std::string MarkupOptions::CONTENT_TYPE_XML = "application/xml; charset=utf-8";
-const std::string MarkupOptions::CONTENT_TYPE_JSON = "application/json";
-const std::string MarkupOptions::CONTENT_TYPE_PLAIN = "text/plain";
+namespace {
+// The content types as literals: contentType views them, and a literal outlives every request.
+constexpr std::string_view kTypeXml = "application/xml; charset=utf-8", kTypeJson = "application/json",
+                           kTypePlain = "text/plain";
+}  // namespace
+
+const std::string MarkupOptions::CONTENT_TYPE_XML(kTypeXml);
+const std::string MarkupOptions::CONTENT_TYPE_JSON(kTypeJson);
+const std::string MarkupOptions::CONTENT_TYPE_PLAIN(kTypePlain);
 
 namespace {
 
 // The options of each value kind, by key; one parse rule per kind.
 struct IntOption {
-    const char* key;
+    std::string_view key;
     int MarkupOptions::*field;
 };
 struct UnsignedOption {
-    const char* key;
+    std::string_view key;
     unsigned int MarkupOptions::*field;
 };
 struct TextOption {
-    const char* key;
+    std::string_view key;
     std::string MarkupOptions::*field;
 };
 struct FlagOption {
-    const char* key;
+    std::string_view key;
     bool MarkupOptions::*field;
 };
 
-const IntOption kIntOptions[] = {{"skip", &MarkupOptions::skip},
-                                 {"max-results", &MarkupOptions::maxResults},
-                                 {"depth", &MarkupOptions::depth},
-                                 {"descendant-depth", &MarkupOptions::descendantDepth},
-                                 {"priority", &MarkupOptions::priority}};
-const UnsignedOption kUnsignedOptions[] = {{"sequence-gt", &MarkupOptions::sequenceGt},
-                                           {"sequence-ge", &MarkupOptions::sequenceGe},
-                                           {"sequence-lt", &MarkupOptions::sequenceLt},
-                                           {"sequence-le", &MarkupOptions::sequenceLe}};
-const TextOption kTextOptions[] = {{"select", &MarkupOptions::select},
-                                   {"filter", &MarkupOptions::filter},
-                                   {"published-gt", &MarkupOptions::publishedGt},
-                                   {"published-ge", &MarkupOptions::publishedGe},
-                                   {"published-lt", &MarkupOptions::publishedLt},
-                                   {"published-le", &MarkupOptions::publishedLe},
-                                   {"locale", &MarkupOptions::locale},
-                                   {"error-prefix", &MarkupOptions::errorPrefix},
-                                   {"error-string", &MarkupOptions::errorString},
-                                   {"947-srv", &MarkupOptions::serviceName}};
-const FlagOption kFlagOptions[] = {{"readback", &MarkupOptions::readback},
-                                   {"reverse", &MarkupOptions::reverse},
-                                   {"debug", &MarkupOptions::debug},
-                                   {"html-report", &MarkupOptions::htmlReport}};
+constexpr IntOption kIntOptions[] = {{"skip", &MarkupOptions::skip},
+                                     {"max-results", &MarkupOptions::maxResults},
+                                     {"depth", &MarkupOptions::depth},
+                                     {"descendant-depth", &MarkupOptions::descendantDepth},
+                                     {"priority", &MarkupOptions::priority}};
+constexpr UnsignedOption kUnsignedOptions[] = {{"sequence-gt", &MarkupOptions::sequenceGt},
+                                               {"sequence-ge", &MarkupOptions::sequenceGe},
+                                               {"sequence-lt", &MarkupOptions::sequenceLt},
+                                               {"sequence-le", &MarkupOptions::sequenceLe}};
+constexpr TextOption kTextOptions[] = {{"select", &MarkupOptions::select},
+                                       {"filter", &MarkupOptions::filter},
+                                       {"published-gt", &MarkupOptions::publishedGt},
+                                       {"published-ge", &MarkupOptions::publishedGe},
+                                       {"published-lt", &MarkupOptions::publishedLt},
+                                       {"published-le", &MarkupOptions::publishedLe},
+                                       {"locale", &MarkupOptions::locale},
+                                       {"error-prefix", &MarkupOptions::errorPrefix},
+                                       {"error-string", &MarkupOptions::errorString},
+                                       {"947-srv", &MarkupOptions::serviceName}};
+constexpr FlagOption kFlagOptions[] = {{"readback", &MarkupOptions::readback},
+                                       {"reverse", &MarkupOptions::reverse},
+                                       {"debug", &MarkupOptions::debug},
+                                       {"html-report", &MarkupOptions::htmlReport}};
 
 template <typename Option, std::size_t N>
-const Option* findOption(const Option (&options)[N], const std::string& key) {
-    // The first letter rules out most keys without a string comparison.
+const Option* findOption(const Option (&options)[N], std::string_view key) {
     for (const Option& option : options)
-        if (!key.empty() && key[0] == option.key[0] && key == option.key) return &option;
+        if (key == option.key) return &option;
     return nullptr;
+}
+
+// Up to nine digits, optionally after "-", cannot overflow and read the same as the general
+// parser does; anything else (separators, signs, blanks, overflow, errors) goes to it.
+template <typename T>
+bool readShortNumber(std::string_view text, T& out) {
+    const bool negative = std::is_signed<T>::value && !text.empty() && text[0] == '-';
+    const std::size_t first = negative ? 1 : 0;
+    if (text.size() <= first || text.size() - first > 9) return false;
+    T value = 0;
+    for (std::size_t i = first; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c < '0' || c > '9') return false;
+        value = static_cast<T>(value * 10 + static_cast<T>(c - '0'));
+    }
+    out = negative ? static_cast<T>(0 - value) : value;
+    return true;
 }
 
 }  // namespace
@@ -96,21 +118,23 @@ std::vector<std::string> MarkupOptions::splitString(std::string text, std::strin
     return std::vector<std::string>(tokens.begin(), tokens.end());
 }
 
-void MarkupOptions::parseOptionsFromQuery(const std::string& query) {
-    // The items and parts splitString(..., true) gives, found in place: a request's options are
-    // read on every request, and the tokenizers' vectors cost more than the options themselves.
+void MarkupOptions::parseOptionsFromQuery(std::string_view query) {
+    // The items and parts splitString(..., true) gives, found in place by a plain scan: a
+    // request's options are read on every request, and are a few characters long.
     const auto isBlank = [](char c) { return Poco::Ascii::isSpace(c); };
-    for (std::size_t start = 0; start <= query.size();) {
-        const std::size_t end = std::min(query.find('&', start), query.size());
-        std::string parts[2];
+    const std::size_t size = query.size();
+    for (std::size_t start = 0; start <= size;) {
+        std::size_t end = start;
+        while (end < size && query[end] != '&') ++end;
+        std::string_view parts[2];
         int count = 0;
         for (std::size_t from = start; from <= end && count < 2;) {
-            const void* sign = std::memchr(query.data() + from, '=', end - from);
-            const std::size_t stop = sign ? static_cast<std::size_t>(static_cast<const char*>(sign) - query.data()) : end;
+            std::size_t stop = from;
+            while (stop < end && query[stop] != '=') ++stop;
             std::size_t first = from, last = stop;
             while (first < last && isBlank(query[first])) ++first;
             while (last > first && isBlank(query[last - 1])) --last;
-            if (last > first) parts[count++].assign(query, first, last - first);
+            if (last > first) parts[count++] = query.substr(first, last - first);
             from = stop + 1;
         }
         if (count == 2) applyOption(parts[0], parts[1]);
@@ -118,36 +142,38 @@ void MarkupOptions::parseOptionsFromQuery(const std::string& query) {
     }
 }
 
-void MarkupOptions::applyOption(const std::string& key, const std::string& value) {
+void MarkupOptions::applyOption(std::string_view key, std::string_view value) {
     if (const IntOption* o = findOption(kIntOptions, key)) {
-        this->*(o->field) = Poco::NumberParser::parse(value, ',');
+        if (!readShortNumber(value, this->*(o->field)))
+            this->*(o->field) = Poco::NumberParser::parse(std::string(value), ',');
     } else if (const UnsignedOption* u = findOption(kUnsignedOptions, key)) {
-        this->*(u->field) = Poco::NumberParser::parseUnsigned(value, ',');
+        if (!readShortNumber(value, this->*(u->field)))
+            this->*(u->field) = Poco::NumberParser::parseUnsigned(std::string(value), ',');
     } else if (const TextOption* t = findOption(kTextOptions, key)) {
-        this->*(t->field) = value;
+        (this->*(t->field)).assign(value.data(), value.size());
     } else if (const FlagOption* f = findOption(kFlagOptions, key)) {
         if (value == "true" || value == "1")
             this->*(f->field) = true;
         else if (value == "false" || value == "0")
             this->*(f->field) = false;
     } else if (key == "alt") {
-        alt = value;
-        if (value == ALT_PLAIN)
-            contentType = CONTENT_TYPE_PLAIN;
-        else if (value == ALT_JSON)
-            contentType = CONTENT_TYPE_JSON;
-        else if (value == ALT_XML)
-            contentType = CONTENT_TYPE_XML;
+        alt.assign(value.data(), value.size());
+        if (value == "plain")
+            contentType = kTypePlain;
+        else if (value == "json")
+            contentType = kTypeJson;
+        else if (value == "xml")
+            contentType = kTypeXml;
     } else if (key == "compress") {
         if (value == "gzip")
             compression = Poco::DeflatingStreamBuf::STREAM_GZIP;
         else if (value == "zlib")
             compression = Poco::DeflatingStreamBuf::STREAM_ZLIB;
     } else if (key == "metadata") {
-        metadata.setCategories(value);
+        metadata.setCategories(std::string(value));
     } else if (key == "947-keep-alive") {
         bool on = false;
-        if (Poco::NumberParser::tryParseBool(value, on)) keepAlive = on;
+        if (Poco::NumberParser::tryParseBool(std::string(value), on)) keepAlive = on;
     } else if (key == "random") {
         random = true;
     }

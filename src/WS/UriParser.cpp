@@ -25,25 +25,48 @@ constexpr std::size_t kItemRoot = 0, kItemTree = 1, kItemScope = 2, kItemDevice 
 constexpr int kMaxTruncateDepth = 5;
 constexpr uint32_t kMaxNetwork = 0xFFFF;
 
+}  // namespace
+
+/// The items the parser looks at (the root and the seven after it, the last one only for its
+/// text) and how many there are in all: views of the path, which the parser never copies.
+struct UriParser::Items {
+    static constexpr std::size_t kKept = kItemBeyond + 1;
+    std::string_view item[kKept];
+    std::size_t count = 0;
+    void add(std::string_view text) {
+        if (count < kKept) item[count] = text;
+        ++count;
+    }
+};
+
+namespace {
+
 // Splits at `separator`, dropping empty parts and trimming blanks (spaces and tabs) around parts.
-void split(const std::string& text, char separator, std::vector<std::string>& parts) {
-    const char* const begin = text.data();
-    const char* const end = begin + text.size();
-    for (const char* start = begin; start <= end;) {
-        const void* found = std::memchr(start, separator, static_cast<std::size_t>(end - start));
-        const char* stop = found ? static_cast<const char*>(found) : end;
+// A space or a tab; one comparison for the usual printable character.
+inline bool isBlank(char c) {
+    return static_cast<unsigned char>(c) <= ' ' && (c == ' ' || c == '\t');
+}
+
+template <class Parts>
+void split(std::string_view text, char separator, Parts& parts) {
+    // A plain scan: path items are a few characters long, too short for a library search to pay.
+    const char* const end = text.data() + text.size();
+    for (const char* start = text.data();; ++start) {
+        const char* stop = start;
+        while (stop != end && *stop != separator) ++stop;
         const char* first = start;
         const char* last = stop;
-        while (first < last && (*first == ' ' || *first == '\t')) ++first;
-        while (last > first && (last[-1] == ' ' || last[-1] == '\t')) --last;
-        if (last > first) parts.emplace_back(first, last);
-        start = stop + 1;
+        while (first < last && isBlank(*first)) ++first;
+        while (last > first && isBlank(last[-1])) --last;
+        if (last > first) parts.add(std::string_view(first, static_cast<std::size_t>(last - first)));
+        if (stop == end) return;
+        start = stop;
     }
 }
 
-// The items the parser compares most, as strings: comparing them costs no strlen.
-const std::string kBlt = PI::PI_DOT_BLT, kBltd = PI::PI_DOT_BLTD, kBacnet = PI::PI_DOT_BACNET,
-                  kRoot = PI::PI_BACNETWS, kLocal = PI::PI_DOT_LOCAL, kDevice = PI::PI_DOT_DEVICE;
+// The items the parser compares most.
+constexpr std::string_view kBlt = PI::PI_DOT_BLT, kBltd = PI::PI_DOT_BLTD, kBacnet = PI::PI_DOT_BACNET,
+                           kRoot = PI::PI_BACNETWS, kLocal = PI::PI_DOT_LOCAL, kDevice = PI::PI_DOT_DEVICE;
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -52,22 +75,29 @@ int hexDigit(char c) {
     throw Poco::URISyntaxException("URI encoding: not a hex digit");
 }
 
-// Decodes text[first, last) as Poco::URI does ("%41" is "A", "+" stays).
-void percentDecode(const std::string& text, std::size_t first, std::size_t last, std::string& out) {
-    out.reserve(last - first);
-    for (std::size_t i = first; i < last;) {
-        const std::size_t percent = std::min(text.find('%', i), last);
-        out.append(text, i, percent - i);
-        if (percent == last) break;
-        if (percent + 2 >= last)
+// Decodes `text` as Poco::URI does ("%41" is "A", "+" stays) into `out`.
+void percentDecode(std::string_view text, std::string& out) {
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t percent = std::min(text.find('%', i), text.size());
+        out.append(text.data() + i, percent - i);
+        if (percent == text.size()) break;
+        if (percent + 2 >= text.size())
             throw Poco::URISyntaxException("URI encoding: no hex digit following percent sign");
         out += static_cast<char>(hexDigit(text[percent + 1]) << 4 | hexDigit(text[percent + 2]));
         i = percent + 3;
     }
 }
 
-std::string quoted(const std::string& item) {
-    return "\"" + item + "\"";
+// `text` itself when it holds nothing to decode, else its decoding, kept in `storage`.
+std::string_view decoded(std::string_view text, std::string& storage) {
+    if (text.find('%') == std::string_view::npos) return text;
+    percentDecode(text, storage);
+    return storage;
+}
+
+std::string quoted(std::string_view item) {
+    return joined("\"", item, "\"");
 }
 
 std::string propertyName(BACNET_PROPERTY_ID property) {
@@ -102,35 +132,53 @@ const char* depthReason(int option, int truncateDepth) {
 
 }  // namespace
 
-UriParser::UriParser(const std::string& uri) : _text(uri) {
-    // The usual request target, "/path?query#fragment", without the general URI parser.
-    if (!uri.empty() && uri[0] == '/') {
-        const std::size_t end = std::min(uri.find('#'), uri.size());
-        const std::size_t question = std::min(uri.find('?'), end);
-        percentDecode(uri, 0, question, _path);
-        std::string query;
-        if (question < end) percentDecode(uri, question + 1, end, query);
-        _options.parseOptionsFromQuery(query);
+UriParser::UriParser(const std::string& uri) {
+    if (uri.size() <= sizeof(_short)) {
+        std::memcpy(_short, uri.data(), uri.size());
+        _text = std::string_view(_short, uri.size());
+    } else {
+        _long = uri;
+        _text = _long;
+    }
+    // The usual request target, "/path?query#fragment", without the general URI parser, and
+    // without a copy of path or query unless they need decoding.
+    const std::string_view text = _text;
+    if (!text.empty() && text[0] == '/') {
+        const std::size_t end = std::min(text.find('#'), text.size());
+        const std::size_t question = std::min(text.find('?'), end);
+        _path = decoded(text.substr(0, question), _decoded);
+        if (question < end) {
+            std::string storage;
+            _options.parseOptionsFromQuery(decoded(text.substr(question + 1, end - question - 1), storage));
+        }
         return;
     }
     _uri.reset(new Poco::URI(uri));
-    _path = _uri->getPath();
+    _decoded = _uri->getPath();
+    _path = _decoded;
     _options.parseOptionsFromQuery(_uri->getQuery());
 }
 
-UriParser::UriParser(const Poco::URI& uri)
-    : _text(uri.toString()), _path(uri.getPath()), _uri(new Poco::URI(uri)) {
+UriParser::UriParser(const Poco::URI& uri) : _decoded(uri.getPath()), _uri(new Poco::URI(uri)) {
+    _path = _decoded;
     _options.parseOptionsFromQuery(_uri->getQuery());
 }
 
 const Poco::URI& UriParser::getUri() const {
-    if (!_uri) _uri.reset(new Poco::URI(_text));
+    if (!_uri) _uri.reset(new Poco::URI(std::string(_text)));
     return *_uri;
 }
 
+const std::string& UriParser::getPath() const {
+    if (_path.data() != _decoded.data()) {
+        _decoded.assign(_path.data(), _path.size());
+        _path = _decoded;
+    }
+    return _decoded;
+}
+
 bool UriParser::getAndValidatePath(DotBACnetPathParams& params, DataWsError& error) {
-    std::vector<std::string> items;
-    items.reserve(kItemBeyond + 1);
+    Items items;
     split(_path, '/', items);
     return getAndValidatePath(items, params, error, _options);
 }
@@ -150,7 +198,14 @@ bool UriParser::validateRequest(const std::string& uri, DotBACnetPathParams& par
 
 bool UriParser::getAndValidatePath(const std::vector<std::string>& items, DotBACnetPathParams& params,
                                    DataWsError& error, MarkupOptions& options) {
-    if (items.size() < 2 || items[kItemRoot] != kRoot) return false;
+    Items views;
+    for (const std::string& item : items) views.add(item);
+    return getAndValidatePath(views, params, error, options);
+}
+
+bool UriParser::getAndValidatePath(const Items& items, DotBACnetPathParams& params, DataWsError& error,
+                                   MarkupOptions& options) {
+    if (items.count < 2 || items.item[kItemRoot] != kRoot) return false;
     try {
         return validate(items, params, error, options);
     } catch (const Poco::Exception& e) {
@@ -161,9 +216,10 @@ bool UriParser::getAndValidatePath(const std::vector<std::string>& items, DotBAC
     return false;
 }
 
-bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathParams& params,
-                         DataWsError& error, MarkupOptions& options) {
-    const std::size_t count = items.size();
+bool UriParser::validate(const Items& path, DotBACnetPathParams& params, DataWsError& error,
+                         MarkupOptions& options) {
+    const std::size_t count = path.count;
+    const std::string_view* const items = path.item;
     if (!params.setService(options.serviceName)) {
         fail(error, DataWsError::WS_ERR_SERVICE_NOT_SUPPORTED,
              "\"Invalid or not supported service ( parameter \"947-srv\") \"" + options.serviceName +
@@ -171,13 +227,15 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
         return false;
     }
 
-    const std::string& tree = items[kItemTree];
+    const std::string_view tree = items[kItemTree];
     if (tree == kBlt || tree == kBltd) {
-        std::vector<std::string> expanded{PI::PI_BACNETWS, PI::PI_DOT_BACNET, PI::PI_DOT_LOCAL,
-                                          PI::PI_DOT_THIS};
-        if (tree == kBltd) expanded.emplace_back(PI::PI_DOT_DEVICE);
-        expanded.insert(expanded.end(), items.begin() + kItemScope, items.end());
-        return getAndValidatePath(expanded, params, error, options);
+        Items expanded;
+        for (const char* item : {PI::PI_BACNETWS, PI::PI_DOT_BACNET, PI::PI_DOT_LOCAL, PI::PI_DOT_THIS})
+            expanded.add(item);
+        if (tree == kBltd) expanded.add(kDevice);
+        // Items beyond those kept only count: the expansion moves every item further out.
+        for (std::size_t i = kItemScope; i < count; ++i) expanded.add(i < Items::kKept ? items[i] : tree);
+        return validate(expanded, params, error, options);
     }
     if (tree != kBacnet) {
         fail(error, DataWsError::WS_ERR_PATH_NOT_FOUND, quoted(tree) + " is invalid path item");
@@ -185,7 +243,7 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
     }
 
     if (count > kItemScope) {
-        const std::string& scope = items[kItemScope];
+        const std::string_view scope = items[kItemScope];
         uint32_t network = 0;
         if (scope != kLocal &&
             (PathNumber::read(scope, network) != PathNumber::Result::Ok || network > kMaxNetwork)) {
@@ -193,21 +251,21 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
                  "Addressing scope as " + quoted(scope) + " is invalid");
             return false;
         }
-        params.scope = scope;
+        params.scope.assign(scope.data(), scope.size());
     }
 
     if (count > kItemDevice) params.deviceInstance = getObjInstance(items[kItemDevice], true, error);
 
     if (count > kItemObject) {
-        const std::string& object = items[kItemObject];
-        std::vector<std::string> parts;
-        parts.reserve(3);
+        const std::string_view object = items[kItemObject];
+        Items parts;
         split(object, ',', parts);
-        if (parts.size() == 2) {
-            if (parts[0] == "trendlog") parts[0] = "trend-log";
-            const BACNET_OBJECT_TYPE type = getObjType(parts[0], error);
-            params.objectId = DataType::ObjectIdentifier(type, getObjInstance(parts[1], false, error));
-        } else if (parts.size() == 1 && parts[0] == kDevice) {
+        if (parts.count == 2) {
+            const std::string_view type = parts.item[0] == "trendlog" ? "trend-log" : parts.item[0];
+            const BACNET_OBJECT_TYPE objectType = getObjType(type, error);
+            params.objectId =
+                DataType::ObjectIdentifier(objectType, getObjInstance(parts.item[1], false, error));
+        } else if (parts.count == 1 && parts.item[0] == kDevice) {
             params.objectId = DataType::ObjectIdentifier(OBJECT_DEVICE, params.deviceInstance);
         } else {
             fail(error, DataWsError::WS_ERR_PATH_SYNTAX,
@@ -217,21 +275,22 @@ bool UriParser::validate(const std::vector<std::string>& items, DotBACnetPathPar
     }
 
     if (count > kItemProperty) {
-        const std::string& property = items[kItemProperty];
+        const std::string_view property = items[kItemProperty];
         if (property == ".contents") {
             if (params.objectId.getObjectType() == OBJECT_FILE)
                 fail(error, DataWsError::WS_ERR_PATH_NOT_FOUND,
                      quoted(property) + " is not supported for objects of type \"file\"");
             else
                 fail(error, DataWsError::WS_ERR_NOT_A_FILE,
-                     "property as path item \"/" + property + "\" is only valid with object type \"file\"");
+                     joined("property as path item \"/", property,
+                            "\" is only valid with object type \"file\""));
             return false;
         }
         params.propertyId = getPropIdentifier(property, error);
     }
 
     if (count > kItemIndex) {
-        const std::string& index = items[kItemIndex];
+        const std::string_view index = items[kItemIndex];
         if (index == ".history" || index == "$history") {
             options.history = true;
             fail(error, DataWsError::WS_ERR_PATH_NOT_FOUND, quoted(index) + " is not supported");

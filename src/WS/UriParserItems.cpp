@@ -7,8 +7,10 @@
 
 #include <Poco/Exception.h>
 
-#include <cstring>
+#include <deque>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace TQ {
 namespace BACnet {
@@ -20,71 +22,87 @@ constexpr uint32_t kInstanceLimit = 0x400000;
 constexpr uint32_t kObjectTypeLimit = 1024;
 constexpr uint32_t kPropertyLimit = 0xFFFFFF;
 
-bool startsWithDigit(const std::string& item) {
+bool startsWithDigit(std::string_view item) {
     return !item.empty() && item[0] >= '0' && item[0] <= '9';
 }
 
 // Names found in the catalogue, kept per thread so that a parse takes no lock: the catalogue's
-// names only ever grow. Misses are not kept, and a full cache starts over.
+// names only ever grow. Misses are not kept, and a full cache starts over. The map's keys view
+// the names kept beside it (a deque never moves what it holds), so a path item is looked up as
+// it stands, without a copy.
 template <class T>
-bool lookUp(std::unordered_map<std::string, T>& cache, const std::string& name,
-            bool (*catalogue)(const std::string&, T&), T& out) {
-    const auto hit = cache.find(name);
-    if (hit != cache.end()) {
-        out = hit->second;
+class NameCache {
+public:
+    explicit NameCache(bool (*catalogue)(const std::string&, T&)) : _catalogue(catalogue) {}
+
+    bool lookUp(std::string_view name, T& out) {
+        const auto hit = _map.find(name);
+        if (hit != _map.end()) {
+            out = hit->second;
+            return true;
+        }
+        std::string key(name);
+        if (!_catalogue(key, out)) return false;
+        if (_map.size() >= 512) {
+            _map.clear();
+            _names.clear();
+        }
+        _names.push_back(std::move(key));
+        _map.emplace(_names.back(), out);
         return true;
     }
-    if (!catalogue(name, out)) return false;
-    if (cache.size() >= 512) cache.clear();
-    cache.emplace(name, out);
-    return true;
+
+private:
+    bool (*_catalogue)(const std::string&, T&);
+    std::deque<std::string> _names;
+    std::unordered_map<std::string_view, T> _map;
+};
+
+bool objectTypeIndex(std::string_view name, BACNET_OBJECT_TYPE& out) {
+    thread_local NameCache<BACNET_OBJECT_TYPE> cache(&ProtocolText::objectTypeIndex);
+    return cache.lookUp(name, out);
 }
 
-bool objectTypeIndex(const std::string& name, BACNET_OBJECT_TYPE& out) {
-    thread_local std::unordered_map<std::string, BACNET_OBJECT_TYPE> cache;
-    return lookUp(cache, name, &ProtocolText::objectTypeIndex, out);
-}
-
-bool propertyIndex(const std::string& name, BACNET_PROPERTY_ID& out) {
-    thread_local std::unordered_map<std::string, BACNET_PROPERTY_ID> cache;
-    return lookUp(cache, name, &ProtocolText::propertyIndex, out);
+bool propertyIndex(std::string_view name, BACNET_PROPERTY_ID& out) {
+    thread_local NameCache<BACNET_PROPERTY_ID> cache(&ProtocolText::propertyIndex);
+    return cache.lookUp(name, out);
 }
 
 }  // namespace
 
 unsigned int UriParser::_localDevInstance = 0xFFFFFFFFu;
 
-bool UriParser::isPathBACnetRWRequest(const std::string& item) {
+bool UriParser::isPathBACnetRWRequest(std::string_view item) {
     return item == PathItemNames::PI_947_BACNET_SRV;
 }
 
-bool UriParser::isPathBACnetServiceRequest(const std::string& item) {
+bool UriParser::isPathBACnetServiceRequest(std::string_view item) {
     return item == PathItemNames::PI_DOT_BACNET || item == PathItemNames::PI_DOT_BLT ||
            item == PathItemNames::PI_DOT_BLTD;
 }
 
-bool UriParser::isPathBACnetRequest(const std::string& item) {
+bool UriParser::isPathBACnetRequest(std::string_view item) {
     return isPathBACnetRWRequest(item) || isPathBACnetServiceRequest(item);
 }
 
-BACNET_OBJECT_TYPE UriParser::getObjType(std::string item, DataWsError& error) {
+BACNET_OBJECT_TYPE UriParser::getObjType(std::string_view item, DataWsError& error) {
     uint32_t number = 0;
     const PathNumber::Result read = PathNumber::read(item, number);
     if (read != PathNumber::Result::NotNumber) {
         if (read == PathNumber::Result::Ok && number < kObjectTypeLimit)
             return static_cast<BACNET_OBJECT_TYPE>(number);
-        const std::string text = "object-type as number " + item + " is out of range";
+        const std::string text = joined("object-type as number ", item, " is out of range");
         fail(error, DataWsError::WS_ERR_RANGE, text);
         throw Poco::RangeException(text);
     }
     BACNET_OBJECT_TYPE type;
     if (objectTypeIndex(item, type)) return type;
-    const std::string text = "object-type as name \"" + item + "\" does not exist or not supported";
+    const std::string text = joined("object-type as name \"", item, "\" does not exist or not supported");
     fail(error, DataWsError::WS_ERR_PATH_NOT_FOUND, text);
     throw Poco::InvalidArgumentException(text);
 }
 
-unsigned int UriParser::getObjInstance(const std::string& item, bool isDevice, DataWsError& error) {
+unsigned int UriParser::getObjInstance(std::string_view item, bool isDevice, DataWsError& error) {
     // Numbers come first: every word starts with a dot.
     if (isDevice && !item.empty() && item[0] == '.' &&
         (item == PathItemNames::PI_DOT_DEVICE || item == PathItemNames::PI_DOT_SELF ||
@@ -99,16 +117,16 @@ unsigned int UriParser::getObjInstance(const std::string& item, bool isDevice, D
     if (read == PathNumber::Result::Ok && number < kInstanceLimit) return number;
     if (read != PathNumber::Result::NotNumber) {
         const std::string text =
-            what + item + "\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)";
+            joined(what, item, "\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)");
         fail(error, DataWsError::WS_ERR_RANGE, text);
         throw Poco::RangeException(text);
     }
-    const std::string text = what + item + "\" is not a valid number";
+    const std::string text = joined(what, item, "\" is not a valid number");
     fail(error, DataWsError::WS_ERR_PARAM_SYNTAX, text);
     throw Poco::InvalidArgumentException(text);
 }
 
-BACNET_PROPERTY_ID UriParser::getPropIdentifier(const std::string& item, DataWsError& error) {
+BACNET_PROPERTY_ID UriParser::getPropIdentifier(std::string_view item, DataWsError& error) {
     BACNET_PROPERTY_ID property;
     // No property name starts with a digit: numbers skip the name lookup (a miss would query
     // the catalogue on every request).
@@ -118,11 +136,11 @@ BACNET_PROPERTY_ID UriParser::getPropIdentifier(const std::string& item, DataWsE
     if (read == PathNumber::Result::Ok && number < kPropertyLimit)
         return static_cast<BACNET_PROPERTY_ID>(number);
     if (read != PathNumber::Result::NotNumber) {
-        const std::string text = "property-id \"" + item + "\" is out of range";
+        const std::string text = joined("property-id \"", item, "\" is out of range");
         fail(error, DataWsError::WS_ERR_RANGE, text);
         throw Poco::RangeException(text);
     }
-    const std::string text = "property-id \"" + item + "\" is invalid property name";
+    const std::string text = joined("property-id \"", item, "\" is invalid property name");
     fail(error, DataWsError::WS_ERR_PARAM_SYNTAX, text);
     throw Poco::InvalidArgumentException(text);
 }

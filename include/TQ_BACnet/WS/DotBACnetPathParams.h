@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace TQ {
 namespace BACnet {
@@ -43,7 +44,7 @@ public:
 
     /// Selects the service called exactly `name` for this method; an empty name keeps the
     /// current one. False, with the service unchanged, when there is none.
-    bool setService(const std::string& name);
+    bool setService(std::string_view name);
     const ServiceDescriptor* findValidService() const;
     bool isDepthValidForService() const;
     /// "invalid-service" when the service is not offered for the method.

@@ -3,6 +3,7 @@
 #include "TQ_BACnet/WS/Metadata.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace TQ {
@@ -44,7 +45,7 @@ public:
     /// Reads the decoded query text ("key=value&..."). Unknown keys, formats, compression words
     /// and unreadable booleans are ignored; a number that does not parse raises
     /// Poco::SyntaxException.
-    void parseOptionsFromQuery(const std::string& query);
+    void parseOptionsFromQuery(std::string_view query);
 
     /// The tokens of `text` split at any of `separators`; with `skipEmpty` empty tokens are
     /// dropped and blanks around tokens trimmed, without it neither.
@@ -56,7 +57,8 @@ public:
     int compression = -1;
     // Literal defaults: a MarkupOptions may be built before the constants of another unit exist.
     std::string alt = "xml";
-    std::string contentType = "application/xml; charset=utf-8";
+    /// Always one of the CONTENT_TYPE_* texts (static storage): built per request, never copied.
+    std::string_view contentType = "application/xml; charset=utf-8";
     int skip = -1;
     int maxResults = 0;
     std::string select;
@@ -87,7 +89,7 @@ public:
     bool random = false;
 
 private:
-    void applyOption(const std::string& key, const std::string& value);
+    void applyOption(std::string_view key, std::string_view value);
 };
 
 }  // namespace WS

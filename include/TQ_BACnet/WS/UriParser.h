@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace TQ {
@@ -34,9 +35,9 @@ public:
     static void setLocalDevInstance(unsigned int instance) { _localDevInstance = instance; }
     static unsigned int getLocalDevInstance() { return _localDevInstance; }
 
-    static bool isPathBACnetRWRequest(const std::string& item);
-    static bool isPathBACnetServiceRequest(const std::string& item);
-    static bool isPathBACnetRequest(const std::string& item);
+    static bool isPathBACnetRWRequest(std::string_view item);
+    static bool isPathBACnetServiceRequest(std::string_view item);
+    static bool isPathBACnetRequest(std::string_view item);
 
     /// The stored URI's path, split at "/" (empty items dropped, blanks trimmed).
     bool getAndValidatePath(DotBACnetPathParams& params, DataWsError& error);
@@ -50,9 +51,9 @@ public:
                                 DataWsError& error) noexcept;
 
     /// Item converters: each sets the error and throws on a bad item.
-    static BACNET_OBJECT_TYPE getObjType(std::string item, DataWsError& error);
-    static unsigned int getObjInstance(const std::string& item, bool isDevice, DataWsError& error);
-    static BACNET_PROPERTY_ID getPropIdentifier(const std::string& item, DataWsError& error);
+    static BACNET_OBJECT_TYPE getObjType(std::string_view item, DataWsError& error);
+    static unsigned int getObjInstance(std::string_view item, bool isDevice, DataWsError& error);
+    static BACNET_PROPERTY_ID getPropIdentifier(std::string_view item, DataWsError& error);
 
     static std::string getScopeName(unsigned short network);
     static std::string getScopeDisplayName(unsigned short network);
@@ -60,16 +61,26 @@ public:
     /// The request URI (made on first use when the parser was given text).
     const Poco::URI& getUri() const;
     /// The decoded path.
-    const std::string& getPath() const { return _path; }
+    const std::string& getPath() const;
     const MarkupOptions& getOptions() const { return _options; }
     MarkupOptions& getOptions() { return _options; }
 
 private:
-    static bool validate(const std::vector<std::string>& items, DotBACnetPathParams& params,
-                         DataWsError& error, MarkupOptions& options);
+    struct Items;
 
-    std::string _text;
-    std::string _path;
+    static bool getAndValidatePath(const Items& items, DotBACnetPathParams& params, DataWsError& error,
+                                   MarkupOptions& options);
+    static bool validate(const Items& items, DotBACnetPathParams& params, DataWsError& error,
+                         MarkupOptions& options);
+
+    /// The request target as given, kept in `_short` when it fits: one per request, and most
+    /// are short, so most parsers allocate nothing for it.
+    std::string_view _text;
+    std::string _long;
+    char _short[128];
+    /// The decoded path: a view of `_text` when it holds no percent sign, else of `_decoded`.
+    mutable std::string_view _path;
+    mutable std::string _decoded;
     mutable std::unique_ptr<Poco::URI> _uri;
     MarkupOptions _options;
 
