@@ -167,20 +167,3 @@ TEST(MarkupWriters, MetadataMembersFromTheCatalogue) {
     EXPECT_NE(xml.find("no &lt;row&gt;"), std::string::npos) << xml;
     EXPECT_EQ(render("alt=json", withMetadata), "{\"$value\":\"truncated\"}") << "no category, no metadata";
 }
-
-TEST(MarkupWriters, CompressedBodiesInflateToTheSameText) {
-    const Writer big = [](MF& f) {
-        open(f, MF::BT_ARRAY, "priority-array", true);
-        for (int i = 1; i <= 300; ++i) leaf(f, MF::BT_REAL, std::to_string(i), "21.5");
-    };
-    for (const char* alt : {"xml", "json", "plain"}) {
-        const std::string plain = render(std::string("alt=") + alt, big);
-        for (const auto type :
-             {Poco::InflatingStreamBuf::STREAM_GZIP, Poco::InflatingStreamBuf::STREAM_ZLIB}) {
-            const char* word = type == Poco::InflatingStreamBuf::STREAM_GZIP ? "gzip" : "zlib";
-            const std::string packed = render(std::string("alt=") + alt + "&compress=" + word, big);
-            EXPECT_LT(packed.size(), plain.size() / 4) << alt << word;
-            EXPECT_EQ(TQWsTest::inflate(packed, type), plain) << alt << word;
-        }
-    }
-}

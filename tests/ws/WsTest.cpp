@@ -2,10 +2,9 @@
 #include "TQTestCatalogue.h"
 #include "TQ_BACnet/WS/Metadata.h"
 #include "TQ_BACnet/WS/MetadataValue.h"
+#include "WellFormed.h"
 
 #include <Poco/Exception.h>
-#include <Poco/InflatingStream.h>
-#include <Poco/StreamCopier.h>
 
 #include <gtest/gtest.h>
 
@@ -38,14 +37,6 @@ void writeDocument(MF& f) {
     for (int i = 1; i <= 200; ++i)
         f.markupNew(MF::BT_REAL, std::to_string(i), "21.5", MF::MF_COMPLETE, nullptr);
     f.closeAllOpenMarkups();
-}
-
-std::string inflate(const std::string& bytes, Poco::InflatingStreamBuf::StreamType type) {
-    std::istringstream in(bytes);
-    Poco::InflatingInputStream inflater(in, type);
-    std::string text;
-    Poco::StreamCopier::copyToString(inflater, text);
-    return text;
 }
 
 }  // namespace
@@ -272,7 +263,7 @@ TEST(MarkupFactoryHelpers, CompressedOutputInflatesToThePlainText) {
         f->flush();
         const std::string bytes = out.str();
         EXPECT_LT(bytes.size(), expected.size() / 4);
-        EXPECT_EQ(inflate(bytes, type.second), expected);
+        EXPECT_EQ(TQWsTest::inflate(bytes, type.second), expected);
         // Once the compressed stream is ended, later writes, flushes and the destructor (through
         // the base) add nothing.
         f->markupNew(MF::BT_REAL, "late", "1", MF::MF_COMPLETE, nullptr);
