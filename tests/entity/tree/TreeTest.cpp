@@ -51,35 +51,10 @@ DataType::BACnetPropertyValue propertyValue(BACNET_PROPERTY_ID property, const V
                                          value, -1);
 }
 
-ValueContainer real(float value) {
-    ValueContainer container;
-    container.setReal(value);
-    return container;
-}
-
-ValueContainer text(const std::string& value) {
-    ValueContainer container;
-    container.setCharString(value);
-    return container;
-}
-
-int count(const std::string& sql) {
-    Poco::Int64 n = -1;
-    Poco::Data::Statement statement(pDB->getSession());
-    statement << sql, Poco::Data::Keywords::into(n);
-    statement.execute();
-    return static_cast<int>(n);
-}
-
-/// A stored device (under a stored gateway) with no objects.
-int storeDevice() {
-    EntityServer server;
-    BnGw gw(true);
-    BnDevice device(true);
-    gw.addDevice(device);
-    gw.updateAll(server, nullptr);
-    return gw.getDevices()->begin()->first;
-}
+using TQTest::count;
+using TQTest::real;
+using TQTest::storeDevice;
+using TQTest::text;
 
 TEST(PostgreSQLPlaceholders, NumberedOutsideQuotesAndComments) {
     const std::pair<const char*, const char*> cases[] = {
