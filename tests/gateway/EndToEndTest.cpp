@@ -122,13 +122,8 @@ std::unique_ptr<Poco::ProcessHandle> Gateway::gateway;
 bool contains(const std::string& text, const std::string& piece) { return text.find(piece) != std::string::npos; }
 
 TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
-    const struct {
-        std::string path;
-        std::string token;
-        int status;
-        const char* contentType;
-        const char* body;  ///< found in the body
-    } cases[] = {
+    // path, token, status, content type (if checked), a piece of the body
+    const struct { std::string path, token; int status; const char* contentType; const char* body; } cases[] = {
         {kAv1 + "/present-value?alt=json", kReader, 200, "application/json", R"({"$value":21.5})"},
         {kAv1 + "/present-value", kReader, 200, "application/xml; charset=utf-8",
          R"(<Real name="present-value" value="21.5" xmlns=)"},
@@ -171,12 +166,7 @@ TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
 
 // Each format through each compression: the writers compress what they render.
 TEST_F(Gateway, CompressedAnswersInflateToThePlainOnes) {
-    const struct {
-        const char* alt;
-        const char* option;
-        const char* encoding;
-        Poco::InflatingStreamBuf::StreamType type;
-    } cases[] = {{"json", "gzip", "gzip", Poco::InflatingStreamBuf::STREAM_GZIP},
+    const struct { const char* alt, *option, *encoding; Poco::InflatingStreamBuf::StreamType type; } cases[] = {{"json", "gzip", "gzip", Poco::InflatingStreamBuf::STREAM_GZIP},
                  {"xml", "zlib", "deflate", Poco::InflatingStreamBuf::STREAM_ZLIB},
                  {"plain", "gzip", "gzip", Poco::InflatingStreamBuf::STREAM_GZIP}};
     for (const auto& c : cases) {
@@ -202,13 +192,7 @@ TEST_F(Gateway, HistoryIsReadInStepsAndMerged) {
 
 TEST_F(Gateway, WritesReachTheDeviceOnlyWhenAllowed) {
     const std::string ao = "/bacnetws/.bacnet/.local/101/analog-output,1";
-    const struct {
-        std::string path;
-        std::string token;
-        std::string body;
-        int status;
-        const char* answer;
-    } cases[] = {
+    const struct { std::string path, token, body; int status; const char* answer; } cases[] = {
         {ao + "/present-value?alt=json&priority=8", kReader, R"({"$value":99})", 403, "WS_ERR_NOT_AUTHORIZED"},
         {ao + "/present-value?alt=json&priority=8", "", R"({"$value":99})", 401, "WS_ERR_NOT_AUTHENTICATED"},
         {ao + "/present-value?alt=json&priority=8", kWriter, R"({"$value":55.5})", 200, R"({"$value":55.5})"},
