@@ -16,16 +16,6 @@ namespace {
 const char* const kEnumQuery = "FROM bn_datatype_enum WHERE";
 }
 
-TEST(BnDataTypeEnum, HashKeysPackConstructAndValueAndSpellConstructsInHex) {
-    EXPECT_EQ(BnDataTypeEnum::getHashKey(120, 8), 120u * 65536u + 8u);
-    EXPECT_EQ(BnDataTypeEnum::getHashKey(1, 0x12345), BnDataTypeEnum::getHashKey(1, 0x2345));
-    EXPECT_NE(BnDataTypeEnum::getHashKey(1, 5), BnDataTypeEnum::getHashKey(2, 5));
-    EXPECT_EQ(BnDataTypeEnum::getHashKeyReverse(0x12345, "x"), "12345x");
-    EXPECT_EQ(BnDataTypeEnum::getHashKeyReverse(5, "x"), "0005x");
-    EXPECT_EQ(BnDataTypeEnum::getHashKeyReverse(0x1A, "active"), "001Aactive");
-    EXPECT_EQ(BnDataTypeEnum::getHashKeyReverse(0xFFFFFFFFu, ""), "FFFFFFFF");
-}
-
 TEST(BnDataTypeEnum, NamesAndValuesAreCachedAndConstruct121SharesTheObjectTypes) {
     TQTest::TempDatabase& db = TQTest::TestCatalogue::get();
     int before = db.queries(kEnumQuery);
