@@ -121,7 +121,6 @@ TEST_F(NetworkToolTest, DiscoverListsAndStoresTheObjects) {
 
 TEST_F(NetworkToolTest, DeviceErrorsAndSilence) {
     expect({"read", "1234", "analog-input,99", "present-value"}, 1, "", "unknown-object");
-    expect({"read", "1234", "analog-input,1", "priority-array"}, 1, "", "unknown-property");
     expect({"write", "1234", "analog-input,1", "present-value", "warm"}, 1, "", "is no value of");
     expect({"read", "4000", "analog-input,1", "present-value", "--timeout", "1"}, 3, "", "did not answer Who-Is");
     expect({"read", "127.0.0.9:" + port, "analog-input,1", "present-value", "--timeout", "1", "--retries", "0"}, 3, "",
