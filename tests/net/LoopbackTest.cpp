@@ -33,6 +33,13 @@ Bytes encoded(Encode encode) {
     return TQTest::encodedBy(encode);
 }
 
+// The service request of a whole confirmed APDU: without its four header octets.
+template <typename Encode>
+Bytes requestOf(Encode encode) {
+    const Bytes apdu = encoded(encode);
+    return Bytes(apdu.begin() + 4, apdu.end());
+}
+
 Bytes rpRequest(uint32_t type, uint32_t instance, uint32_t property, uint32_t index = BACNET_ARRAY_ALL) {
     BACNET_READ_PROPERTY_DATA rp = TQTest::rpData(BACNET_OBJECT_TYPE(type), instance, BACNET_PROPERTY_ID(property));
     rp.array_index = index;
@@ -189,8 +196,7 @@ TEST_F(LoopbackTest, ReadPropertyMultipleMixesValuesAndErrors) {
     BACNET_PROPERTY_REFERENCE all{PROP_ALL, BACNET_ARRAY_ALL, nullptr, false, {}, {}, nullptr};
     BACNET_READ_ACCESS_DATA device{OBJECT_DEVICE, 7, &all, &unknownObject};
     BACNET_READ_ACCESS_DATA ai{OBJECT_ANALOG_INPUT, 1, &value, &device};
-    Bytes request = encoded([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 0, &ai); });
-    request.erase(request.begin(), request.begin() + 4);
+    const Bytes request = requestOf([&](uint8_t* p) { return rpm_encode_apdu(p, MAX_APDU, 0, &ai); });
     const Result r = client->request(bip("127.0.0.2", port), SERVICE_CONFIRMED_READ_PROP_MULTIPLE, request);
     ASSERT_EQ(r.kind, Result::ComplexAck);
     BACNET_READ_ACCESS_DATA ack{};
@@ -217,14 +223,13 @@ TEST_F(LoopbackTest, CreatesAndDeletesObjects) {
         {PROP_PRESENT_VALUE, BACNET_ARRAY_ALL, badValue.data(), uint32_t(badValue.size()), 0}};
     auto create = [&](bool byId, uint32_t instance, unsigned count) {
         BACNET_CREATE_OBJECT_DATA c{byId, OBJECT_ANALOG_VALUE, instance, values, 2, count};
-        Bytes apdu = encoded([&](uint8_t* p) { return create_object_encode_apdu(p, 0, &c); });
-        apdu.erase(apdu.begin(), apdu.begin() + 4);
-        return client->request(to, SERVICE_CONFIRMED_CREATE_OBJECT, apdu);
+        return client->request(to, SERVICE_CONFIRMED_CREATE_OBJECT,
+                               requestOf([&](uint8_t* p) { return create_object_encode_apdu(p, 0, &c); }));
     };
     auto del = [&](uint32_t type, uint32_t instance) {
-        Bytes apdu = encoded([&](uint8_t* p) { return delete_object_encode_apdu(p, 0, BACNET_OBJECT_TYPE(type), instance); });
-        apdu.erase(apdu.begin(), apdu.begin() + 4);
-        return client->request(to, SERVICE_CONFIRMED_DELETE_OBJECT, apdu);
+        return client->request(to, SERVICE_CONFIRMED_DELETE_OBJECT, requestOf([&](uint8_t* p) {
+                                   return delete_object_encode_apdu(p, 0, BACNET_OBJECT_TYPE(type), instance);
+                               }));
     };
     Result r = create(false, 0, 1);
     ASSERT_EQ(r.kind, Result::ComplexAck);
