@@ -92,9 +92,7 @@ TEST_F(NetworkToolTest, WritesAndReadsBack) {
     expect({"write", "1235", "analog-output,1", "present-value", "40", "--priority", "8"}, 0,
            "written: present-value of analog-output,1 at priority 8\n");
     expect({"read", "1235", "analog-output,1", "priority-array", "8", "--alt", "json"}, 0, "{\"real\":40}\n");
-    expect({"write", "1235", "analog-output,1", "present-value", "{\"$value\":\"NULL\"}", "--priority", "8"}, 0,
-           "written: present-value of analog-output,1 at priority 8\n");
-    expect({"read", "1235", "analog-output,1", "priority-array", "8", "--alt", "json"}, 0, "{\"null\":\"NULL\"}\n");
+    // Relinquishing is checked where the device answers it (loopback) and through the gateway.
 }
 
 TEST_F(NetworkToolTest, TrendLogAndTime) {
