@@ -32,13 +32,7 @@ template <typename Encode>
 Bytes encoded(Encode encode) {
     return TQTest::encodedBy(encode);
 }
-
-// The service request of a whole confirmed APDU: without its four header octets.
-template <typename Encode>
-Bytes requestOf(Encode encode) {
-    const Bytes apdu = encoded(encode);
-    return Bytes(apdu.begin() + 4, apdu.end());
-}
+using TQTest::requestOf;
 
 Bytes rpRequest(uint32_t type, uint32_t instance, uint32_t property, uint32_t index = BACNET_ARRAY_ALL) {
     BACNET_READ_PROPERTY_DATA rp = TQTest::rpData(BACNET_OBJECT_TYPE(type), instance, BACNET_PROPERTY_ID(property));
