@@ -61,12 +61,7 @@ const Writer kNested = [](MF& f) {
 
 TEST(MarkupWriters, WorkedExamplesByteForByte) {
     TQTest::Catalogue::open();
-    const struct {
-        const char* what;
-        const Writer* write;
-        const char* query;
-        std::string expected;
-    } cases[] = {
+    const struct { const char* what; const Writer* write; const char* query; std::string expected; } cases[] = {
         {"primitive", &kPrimitive, "",
          kDecl + "<Real name=\"present-value\" value=\"21.5\" xmlns=\"" + kNs + "\"/>"},
         {"primitive", &kPrimitive, "alt=json", "{\"$value\":21.5}"},
@@ -97,11 +92,7 @@ TEST(MarkupWriters, WorkedExamplesByteForByte) {
 }
 
 TEST(MarkupWriters, CompactJsonShapesStayValid) {
-    const struct {
-        const char* what;
-        Writer write;
-        const char* expected;
-    } cases[] = {
+    const struct { const char* what; Writer write; const char* expected; } cases[] = {
         {"named null keeps an empty string", [](MF& f) { leaf(f, MF::BT_NULL, "n", ""); }, "{\"n\":\"\"}"},
         {"omitted empty value", [](MF& f) { leaf(f, MF::BT_REAL, "r", "", false, true); }, "{\"r\":null}"},
         {"a number that is no JSON number", [](MF& f) { leaf(f, MF::BT_REAL, "r", "nan"); },
