@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace TQ::BACnet;
 using namespace TQ::BACnet::Entity;
 
@@ -37,27 +39,18 @@ TEST(BnPropertiesInObject, ReadsTheRowOfAnObjectTypeAndProperty) {
 
 TEST(BnPropertiesInObject, ListingsUseExclusiveBoundsDisplayOrderAndNeverThePropertyList) {
     TQTest::TestCatalogue::get();
+    using P = BnPropertiesInObject;
+    // object type, bounds (both exclusive), count, identifiers in display order ending in -1
+    const std::tuple<unsigned, P::Optional, P::Optional, int, std::vector<int>> cases[] = {
+        {OBJECT_ANALOG_INPUT, P::OPTIONAL_NONE, P::OPTIONAL_REQUIRED_WRITABLE, 4, {77, 85, 36, 111, -1}},
+        {OBJECT_ANALOG_INPUT, P::OPTIONAL_NONE, P::OPTIONAL_ALL, 6, {77, 85, 36, 28, 87, 111, -1}},
+        {OBJECT_ANALOG_INPUT, P::OPTIONAL_REQUIRED, P::OPTIONAL_OPTIONAL, 1, {87, -1}},
+        {50, P::OPTIONAL_NONE, P::OPTIONAL_ALL, 0, {-1}}};
     std::vector<int> ids{42, 43};
-    EXPECT_EQ(BnPropertiesInObject::retrieve(OBJECT_ANALOG_INPUT, BnPropertiesInObject::OPTIONAL_NONE,
-                                             BnPropertiesInObject::OPTIONAL_REQUIRED_WRITABLE, ids),
-              4);
-    EXPECT_EQ(ids, (std::vector<int>{77, 85, 36, 111, -1}));
-
-    EXPECT_EQ(BnPropertiesInObject::retrieve(OBJECT_ANALOG_INPUT, BnPropertiesInObject::OPTIONAL_NONE,
-                                             BnPropertiesInObject::OPTIONAL_ALL, ids),
-              6);
-    EXPECT_EQ(ids, (std::vector<int>{77, 85, 36, 28, 87, 111, -1}));
-
-    EXPECT_EQ(BnPropertiesInObject::retrieve(OBJECT_ANALOG_INPUT, BnPropertiesInObject::OPTIONAL_REQUIRED,
-                                             BnPropertiesInObject::OPTIONAL_OPTIONAL, ids),
-              1);
-    EXPECT_EQ(ids, (std::vector<int>{87, -1}));
-
-    EXPECT_EQ(BnPropertiesInObject::retrieve(static_cast<BACNET_OBJECT_TYPE>(50),
-                                             BnPropertiesInObject::OPTIONAL_NONE,
-                                             BnPropertiesInObject::OPTIONAL_ALL, ids),
-              0);
-    EXPECT_EQ(ids, (std::vector<int>{-1}));
+    for (const auto& c : cases) {
+        EXPECT_EQ(P::retrieve(static_cast<BACNET_OBJECT_TYPE>(std::get<0>(c)), std::get<1>(c), std::get<2>(c), ids), std::get<3>(c));
+        EXPECT_EQ(ids, std::get<4>(c));
+    }
 }
 
 TEST(BnPropertiesInObject, NumericMeansASingleUnsignedSignedRealOrDouble) {

@@ -13,10 +13,7 @@ namespace {
 const std::string kToken = R"("tokens":[{"sha256":")" + Config::hashToken("t") + R"(","rights":"read"}])";
 
 TEST(GatewayConfig, MistakesAreNamed) {
-    const struct {
-        std::string json;
-        const char* message;
-    } cases[] = {
+    const struct { std::string json; const char* message; } cases[] = {
         {"[1]", "not a JSON object"},
         {"{", "not a JSON object"},
         {"{}", "\"tokens\": at least one token"},
@@ -50,10 +47,7 @@ TEST(GatewayConfig, TokensGrantWhatTheirHashSays) {
                                    "gw.json");
     EXPECT_EQ(c.maxAgeMs, 0u);
     const Tokens tokens(c.tokens);
-    const struct {
-        std::string header;
-        Tokens::Access access;
-    } cases[] = {
+    const struct { std::string header; Tokens::Access access; } cases[] = {
         {"", Tokens::Access::Missing},        {"Basic cmVhZGVy", Tokens::Access::Missing},
         {"Bearer ", Tokens::Access::Missing}, {"Bearer reader", Tokens::Access::Read},
         {"bearer  writer ", Tokens::Access::ReadWrite}, {"Bearer Reader", Tokens::Access::Unknown},

@@ -122,13 +122,8 @@ std::unique_ptr<Poco::ProcessHandle> Gateway::gateway;
 bool contains(const std::string& text, const std::string& piece) { return text.find(piece) != std::string::npos; }
 
 TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
-    const struct {
-        std::string path;
-        std::string token;
-        int status;
-        const char* contentType;
-        const char* body;  ///< found in the body
-    } cases[] = {
+    // path, token, status, content type (if checked), a piece of the body
+    const struct { std::string path, token; int status; const char* contentType; const char* body; } cases[] = {
         {kAv1 + "/present-value?alt=json", kReader, 200, "application/json", R"({"$value":21.5})"},
         {kAv1 + "/present-value", kReader, 200, "application/xml; charset=utf-8",
          R"(<Real name="present-value" value="21.5" xmlns=)"},
@@ -141,11 +136,9 @@ TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
         {"/bacnetws/.bacnet/.local/102?alt=json&depth=2", kReader, 200, "", R"("units":"degrees-celsius")"},
         {"/bacnetws/.bacnet?alt=json&depth=2", kReader, 200, "", R"({"101":{},"102":{},"103":{}})"},
         {"/bacnetws/.bacnet/.local?alt=json&depth=1&discover=true", kReader, 200, "", R"({"101":{},"102":{},"103":{}})"},
-        // what the path parser refuses
+        // what the path parser refuses: one row per web-service error (the messages are checked in process)
         {"/bacnetws/.bacnet/.local/102/analog-valu,1/present-value", kReader, 404, "", "WS_ERR_PATH_NOT_FOUND"},
-        {"/bacnetws/.bacnet/.local/102/analog-value,1/present-value/3", kReader, 404, "", "is not an array"},
         {"/bacnetws/.bacnet/.local/4194304", kReader, 400, "", "WS_ERR_RANGE"},
-        {"/bacnetws/.bacnet/.local/102?depth=0", kReader, 400, "", "WS_ERR_RANGE"},
         {"/bacnetws/.bacnet/.local/102?depth=abc", kReader, 400, "", "WS_ERR_PARAM_VALUE_FORMAT"},
         {kAv1 + "?alt=plain", kReader, 406, "", "WS_ERR_NOT_REPRESENTABLE"},
         {"/bacnetws/.bacnet/7/102", kReader, 404, "", "network 7 is not served"},
@@ -169,22 +162,20 @@ TEST_F(Gateway, ReadsInEveryFormatAndTheirErrors) {
     EXPECT_EQ(request("DELETE", kAv1 + "/present-value").status, 405);
 }
 
+// Each format through each compression: the writers compress what they render.
 TEST_F(Gateway, CompressedAnswersInflateToThePlainOnes) {
-    const Reply plain = request("GET", kAv1 + "?alt=json");
-    const struct {
-        const char* option;
-        const char* encoding;
-        Poco::InflatingStreamBuf::StreamType type;
-    } cases[] = {{"gzip", "gzip", Poco::InflatingStreamBuf::STREAM_GZIP},
-                 {"zlib", "deflate", Poco::InflatingStreamBuf::STREAM_ZLIB}};
+    const struct { const char* alt, *option, *encoding; Poco::InflatingStreamBuf::StreamType type; } cases[] = {{"json", "gzip", "gzip", Poco::InflatingStreamBuf::STREAM_GZIP},
+                 {"xml", "zlib", "deflate", Poco::InflatingStreamBuf::STREAM_ZLIB},
+                 {"plain", "gzip", "gzip", Poco::InflatingStreamBuf::STREAM_GZIP}};
     for (const auto& c : cases) {
-        const Reply r = request("GET", kAv1 + "?alt=json&compress=" + c.option);
+        const std::string path = kAv1 + "/present-value?alt=" + c.alt;
+        const Reply r = request("GET", path + "&compress=" + c.option);
         EXPECT_EQ(r.encoding, c.encoding);
         std::istringstream packed(r.body);
         Poco::InflatingInputStream inflate(packed, c.type);
         std::string body;
         Poco::StreamCopier::copyToString(inflate, body);
-        EXPECT_EQ(body, plain.body) << c.option;
+        EXPECT_EQ(body, request("GET", path).body) << c.alt << " " << c.option;
     }
 }
 
@@ -199,13 +190,7 @@ TEST_F(Gateway, HistoryIsReadInStepsAndMerged) {
 
 TEST_F(Gateway, WritesReachTheDeviceOnlyWhenAllowed) {
     const std::string ao = "/bacnetws/.bacnet/.local/101/analog-output,1";
-    const struct {
-        std::string path;
-        std::string token;
-        std::string body;
-        int status;
-        const char* answer;
-    } cases[] = {
+    const struct { std::string path, token, body; int status; const char* answer; } cases[] = {
         {ao + "/present-value?alt=json&priority=8", kReader, R"({"$value":99})", 403, "WS_ERR_NOT_AUTHORIZED"},
         {ao + "/present-value?alt=json&priority=8", "", R"({"$value":99})", 401, "WS_ERR_NOT_AUTHENTICATED"},
         {ao + "/present-value?alt=json&priority=8", kWriter, R"({"$value":55.5})", 200, R"({"$value":55.5})"},

@@ -16,17 +16,47 @@
 using namespace tq_net_test;
 namespace GW = TQ::BACnet::Gateway;
 
+namespace {
+
+const TQ::BACnet::DataType::BACnetObjectPropertyReference kPv(TQ::BACnet::DataType::ObjectIdentifier(OBJECT_ANALOG_VALUE, 1),
+                                                              PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
+
+// A configuration of the given sections with one read token, on a database of its own.
+GW::Config configWith(const std::string& sections, const Poco::TemporaryFile& db) {
+    GW::Config config = GW::Config::parse(
+        "{" + sections + R"(,"tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})", "in-process");
+    config.sqliteFile = db.path();
+    return config;
+}
+
+// Another client, on a port of its own, writes `value` to the device's analog value directly; the
+// gateway's stored value follows by polling.
+void expectPolledAfterWrite(GW::Gateway& gateway, uint16_t port, const char* ip, uint32_t device, float value,
+                            const std::string& text) {
+    BipSocket socket(portAt("127.0.0.9", port));
+    Link link(socket, "other client");
+    Client other(link);
+    TQ::BACnet::ValueContainer v;
+    v.setReal(value);
+    ASSERT_TRUE(DeviceOperations(other).writeProperty(Target::at(bip(ip, port)), kPv, v, 0).ok());
+    const int row = gateway.store().propertyRow(device, kPv.getObjectIdentifier(), PROP_PRESENT_VALUE);
+    ASSERT_GE(row, 0);
+    std::string stored;
+    for (int i = 0; i < 100 && !(gateway.store().freshValue(row, 60000, stored) && stored == text); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(stored, text);
+}
+
+}  // namespace
+
 TEST(GatewayInProcess, FindsDevicesThroughTheBbmdAndServesThem) {
     const uint16_t port = uint16_t(basePort() + 3);
     DeviceThread a("127.0.0.2", port, 21), b("127.0.0.3", port, 22);
     BbmdThread bbmd("127.0.0.6", port);
     Poco::TemporaryFile db;
-    GW::Config config = GW::Config::parse(R"({"listen":{"port":0},"bacnet":{"interface":"127.0.0.1","port":)" +
-                                              std::to_string(port + 1) + R"(,"bbmd":"127.0.0.6:)" +
-                                              std::to_string(port) + R"(","discoverMs":500},
-            "tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})",
-                                          "in-process");
-    config.sqliteFile = db.path();
+    const GW::Config config = configWith(R"("listen":{"port":0},"bacnet":{"interface":"127.0.0.1","port":)" +
+                                             std::to_string(port + 1) + R"(,"bbmd":"127.0.0.6:)" + std::to_string(port) +
+                                             R"(","discoverMs":500})", db);
     GW::Gateway gateway(config);
     GW::Server server(gateway, config);
     server.start();
@@ -51,36 +81,15 @@ TEST(GatewayInProcess, PollingKeepsTheStoredValueFresh) {
     const uint16_t port = uint16_t(basePort() + 5);
     DeviceThread device("127.0.0.2", port, 31);
     Poco::TemporaryFile db;
-    GW::Config config = GW::Config::parse(R"({"bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
-                                              R"(,"discoverMs":300},"database":{"maxAgeMs":60000},
-            "polling":[{"device":31,"object":"analog-value,1","property":"present-value","intervalMs":100}],
-            "tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})",
-                                          "in-process");
-    config.sqliteFile = db.path();
-    GW::Gateway gateway(config);
+    GW::Gateway gateway(configWith(R"("bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
+                                   R"(,"discoverMs":300},"database":{"maxAgeMs":60000},
+            "polling":[{"device":31,"object":"analog-value,1","property":"present-value","intervalMs":100}])", db));
     ASSERT_EQ(gateway.discover(), std::vector<uint32_t>{31});
     gateway.startPolling();
-
-    // Another client on a port of its own writes to the device directly.
-    BipSocket socket(portAt("127.0.0.9", port));
-    Link link(socket, "other client");
-    Client other(link);
-    DeviceOperations ops(other);
-    const TQ::BACnet::DataType::BACnetObjectPropertyReference pv(
-        TQ::BACnet::DataType::ObjectIdentifier(OBJECT_ANALOG_VALUE, 1), PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
-    TQ::BACnet::ValueContainer v;
-    v.setReal(77.25f);
-    ASSERT_TRUE(ops.writeProperty(Target::at(bip("127.0.0.2", port)), pv, v, 0).ok());
-
-    const int row = gateway.store().propertyRow(31, pv.getObjectIdentifier(), PROP_PRESENT_VALUE);
-    ASSERT_GE(row, 0);
-    std::string text;
-    for (int i = 0; i < 100 && !(gateway.store().freshValue(row, 60000, text) && text == "77.25"); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(text, "77.25");
+    expectPolledAfterWrite(gateway, port, "127.0.0.2", 31, 77.25f, "77.25");
     TQ::BACnet::ValueContainer read;
     bool fromStore = false;
-    ASSERT_TRUE(gateway.readProperty(31, pv, read, true, &fromStore).ok());
+    ASSERT_TRUE(gateway.readProperty(31, kPv, read, true, &fromStore).ok());
     EXPECT_TRUE(fromStore);
     EXPECT_FLOAT_EQ(read.getReal(false), 77.25f);
 }
@@ -92,15 +101,11 @@ TEST(GatewayInProcess, ADeviceThatStopsAnsweringRestsWhileOthersArePolled) {
     auto gone = std::make_unique<DeviceThread>("127.0.0.2", port, 41);
     DeviceThread alive("127.0.0.3", port, 42);
     Poco::TemporaryFile db;
-    GW::Config config = GW::Config::parse(R"({"bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
-                                              R"(,"discoverMs":300,"apduTimeoutMs":100,"retries":0},
+    GW::Gateway gateway(configWith(R"("bacnet":{"interface":"127.0.0.1","port":)" + std::to_string(port) +
+                                   R"(,"discoverMs":300,"apduTimeoutMs":100,"retries":0},
             "database":{"maxAgeMs":60000},"polling":[
               {"device":41,"object":"analog-value,1","property":"present-value","intervalMs":100},
-              {"device":42,"object":"analog-value,1","property":"present-value","intervalMs":100}],
-            "tokens":[{"sha256":")" + GW::Config::hashToken("t") + R"(","rights":"read"}]})",
-                                          "in-process");
-    config.sqliteFile = db.path();
-    GW::Gateway gateway(config);
+              {"device":42,"object":"analog-value,1","property":"present-value","intervalMs":100}])", db));
     ASSERT_EQ(gateway.discover(), (std::vector<uint32_t>{41, 42}));
     gone.reset();
     gateway.startPolling();
@@ -108,17 +113,5 @@ TEST(GatewayInProcess, ADeviceThatStopsAnsweringRestsWhileOthersArePolled) {
     EXPECT_TRUE(gateway.isResting(41));
     EXPECT_FALSE(gateway.isResting(42));
 
-    BipSocket socket(portAt("127.0.0.9", port));
-    Link link(socket, "other client");
-    Client other(link);
-    const TQ::BACnet::DataType::BACnetObjectPropertyReference pv(
-        TQ::BACnet::DataType::ObjectIdentifier(OBJECT_ANALOG_VALUE, 1), PROP_PRESENT_VALUE, BACNET_ARRAY_ALL);
-    TQ::BACnet::ValueContainer v;
-    v.setReal(5.5f);
-    ASSERT_TRUE(DeviceOperations(other).writeProperty(Target::at(bip("127.0.0.3", port)), pv, v, 0).ok());
-    const int row = gateway.store().propertyRow(42, pv.getObjectIdentifier(), PROP_PRESENT_VALUE);
-    std::string text;
-    for (int i = 0; i < 100 && !(gateway.store().freshValue(row, 60000, text) && text == "5.5"); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(text, "5.5");
+    expectPolledAfterWrite(gateway, port, "127.0.0.3", 42, 5.5f, "5.5");
 }

@@ -57,12 +57,8 @@ TEST(HostileFrames, DeviceDropsOrNaksAndStillAnswers) {
     DeviceThread d("127.0.0.2", port, 7);
     Peer peer(port);
     const BACNET_ADDRESS device = bip("127.0.0.2", port);
-    struct Case {
-        const char* name;
-        const char* frame;
-        Drop counted;
-        const char* answer;  // expected reply, empty for none
-    } cases[] = {
+    // frame, the drop counted, the reply expected (empty for none)
+    const struct { const char* name, *frame; Drop counted; const char* answer; } cases[] = {
         {"length longer than the datagram", "81 0A 00 09 01 00 10 08", Drop::BadBvlc, ""},
         {"length shorter than the datagram", "81 0A 00 05 01 00 10 08", Drop::BadBvlc, ""},
         {"not BACnet/IP", "82 0A 00 06 01 00", Drop::BadBvlc, ""},
@@ -83,7 +79,7 @@ TEST(HostileFrames, DeviceDropsOrNaksAndStillAnswers) {
         {"confirmed header cut short", "81 0A 00 08 01 04 00 05", Drop::BadApdu, ""},
         {"segment-ACK for nothing", "81 0A 00 0A 01 00 40 11 00 01", Drop::UnmatchedInvokeId, ""},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         const unsigned before = d.link.drops().count(c.counted);
         peer.send(device, hex(c.frame));

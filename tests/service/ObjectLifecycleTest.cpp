@@ -25,13 +25,9 @@ namespace {
 
 const DataType::ObjectIdentifier kAi7(OBJECT_ANALOG_INPUT, 7);
 
-int count(const std::string& sql) {
-    Poco::Int64 n = -1;
-    Poco::Data::Statement statement(pDB->getSession());
-    statement << sql, Poco::Data::Keywords::into(n);
-    statement.execute();
-    return static_cast<int>(n);
-}
+using TQTest::count;
+using TQTest::real;
+using TQTest::text;
 
 void exec(const std::string& sql) {
     pDB->getSession() << sql, Poco::Data::Keywords::now;
@@ -54,28 +50,11 @@ std::string snapshot() {
     return all;
 }
 
-ValueContainer real(float value) {
-    ValueContainer container;
-    container.setReal(value);
-    return container;
-}
-
-ValueContainer text(const std::string& value) {
-    ValueContainer container;
-    container.setCharString(value);
-    return container;
-}
-
 class ObjectLifecycle : public ::testing::Test {
 protected:
     void SetUp() override {
         TQ_TREE_DATABASE();
-        EntityServer server;
-        TQ::BACnet::Entity::BnGw gw(true);
-        TQ::BACnet::Entity::BnDevice device(true);
-        gw.addDevice(device);
-        gw.updateAll(server, nullptr);
-        _device = gw.getDevices()->begin()->first;
+        _device = TQTest::storeDevice();
     }
 
     CreateObject ai7(bool updateExisting, float present, const std::string& name) const {
@@ -138,24 +117,16 @@ TEST_F(ObjectLifecycle, CreateUpdateAndDelete) {
 TEST_F(ObjectLifecycle, InitialValuesThatDoNotFitWriteNothing) {
     ValueContainer flag;
     flag.setBool(true);
-    struct Case {
-        const char* name;
-        std::function<void(CreateObject&)> add;
-        BACNET_ERROR_CODE code;
-    };
+    struct Case { const char* name; std::function<void(CreateObject&)> add; BACNET_ERROR_CODE code; };
+    const auto badType = ERROR_CODE_INVALID_DATA_TYPE;
+    // clang-format off
     const Case cases[] = {
-        {"text for a REAL", [](CreateObject& c) { c.addInitialValue(PROP_PRESENT_VALUE, text("21.5")); },
-         ERROR_CODE_INVALID_DATA_TYPE},
-        {"BOOLEAN for a name", [&](CreateObject& c) { c.addInitialValue(PROP_OBJECT_NAME, flag); },
-         ERROR_CODE_INVALID_DATA_TYPE},
-        {"an Error as a value",
-         [](CreateObject& c) {
-             c.addInitialValue(PROP_PRESENT_VALUE, DataType::Error(ERROR_CLASS_PROPERTY, ERROR_CODE_OTHER));
-         },
-         ERROR_CODE_INVALID_DATA_TYPE},
-        {"a property analog inputs lack", [](CreateObject& c) { c.addInitialValue(PROP_PRIORITY_ARRAY); },
-         ERROR_CODE_UNKNOWN_PROPERTY},
+        {"text for a REAL", [](CreateObject& c) { c.addInitialValue(PROP_PRESENT_VALUE, text("21.5")); }, badType},
+        {"BOOLEAN for a name", [&](CreateObject& c) { c.addInitialValue(PROP_OBJECT_NAME, flag); }, badType},
+        {"an Error as a value", [](CreateObject& c) { c.addInitialValue(PROP_PRESENT_VALUE, DataType::Error(ERROR_CLASS_PROPERTY, ERROR_CODE_OTHER)); }, badType},
+        {"a property analog inputs lack", [](CreateObject& c) { c.addInitialValue(PROP_PRIORITY_ARRAY); }, ERROR_CODE_UNKNOWN_PROPERTY},
     };
+    // clang-format on
     const std::string before = snapshot();
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

@@ -22,6 +22,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <tuple>
 
 using namespace TQ::BACnet;
 using namespace TQ::BACnet::Service;
@@ -81,86 +82,75 @@ struct Message {
     bool confirmed;
 };
 
+template <class F>
+Message unconfirmed(const char* name, F encode, const char* bytes) {
+    return {name, [encode](OctetBuffer& b, unsigned) { return encode(b); }, bytes, false};
+}
+
 const std::vector<Message>& messages() {
     static const std::vector<Message> table = [] {
-        std::vector<Message> m;
         const auto rp = [](DataType::BACnetObjectPropertyReference r, uint8_t id) {
-            return [r, id](OctetBuffer& b, unsigned at) {
-                return ObjectAccess::ReadProperty(r).encode(id, b, at);
+            return [r, id](OctetBuffer& b, unsigned at) { return ObjectAccess::ReadProperty(r).encode(id, b, at); };
+        };
+        const auto rr = [](ObjectAccess::ReadRange::Range range) {
+            return [range](OctetBuffer& b, unsigned at) {
+                return ObjectAccess::ReadRange(ref(OBJECT_TREND_LOG, 1, PROP_LOG_BUFFER), range).encode(3, b, at);
             };
         };
-        m.push_back({"ReadProperty", rp(ref(OBJECT_ANALOG_INPUT, 3, PROP_PRESENT_VALUE), 7),
-                     "00 05 07 0C 0C 00000003 19 55", true});
-        m.push_back({"ReadProperty index", rp(ref(OBJECT_DEVICE, 4194302, PROP_OBJECT_LIST, 300), 255),
-                     "00 05 FF 0C 0C 023FFFFE 19 4C 2A 012C", true});
-        m.push_back({"ReadPropertyAck",
-                     [](OctetBuffer& b, unsigned at) {
-                         ObjectAccess::ReadPropertyAck ack;
-                         ack.setReference(ref(OBJECT_ANALOG_INPUT, 3, PROP_PRESENT_VALUE));
-                         ack.getValue().setReal(21.0f);
-                         return ack.encode(9, b, at);
-                     },
-                     "30 09 0C 0C 00000003 19 55 3E 44 41A80000 3F", false});
-        m.push_back({"WriteProperty",
-                     [](OctetBuffer& b, unsigned at) {
-                         BACnet_Write_Property_Data data{};
-                         DataWriteProperty request(data, true);
-                         request.set(DataType::BACnetDeviceObjectPropertyReference(
-                                         oid(OBJECT_ANALOG_OUTPUT, 1), PROP_PRESENT_VALUE, BACNET_ARRAY_ALL,
-                                         oid(OBJECT_DEVICE, 5)),
-                                     OctetBuffer(hex("44 00000000").data(), 5), 8);
-                         return ObjectAccess::WriteProperty::encode(request, 4, b, at);
-                     },
-                     "00 05 04 0F 0C 00400001 19 55 3E 44 00000000 3F 49 08", true});
-        m.push_back({"ReadPropertyMultiple",
-                     [](OctetBuffer& b, unsigned at) {
-                         return rpmOf({{oid(OBJECT_ANALOG_INPUT, 3), {PROP_PRESENT_VALUE, PROP_OBJECT_NAME}},
-                                       {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}}})
-                             .encode(2, b, at);
-                     },
-                     "00 05 02 0E 0C 00000003 1E 09 55 09 4D 1F 0C 00400001 1E 09 55 1F", true});
-        m.push_back({"ReadRange default",
-                     [](OctetBuffer& b, unsigned at) {
-                         return ObjectAccess::ReadRange(ref(OBJECT_TREND_LOG, 1, PROP_LOG_BUFFER),
-                                                        ObjectAccess::ReadRange::Range())
-                             .encode(3, b, at);
-                     },
-                     "00 05 03 1A 0C 05000001 19 83 3E 21 00 31 01 3F", true});
-        m.push_back({"ReadRange by time",
-                     [](OctetBuffer& b, unsigned at) {
-                         ObjectAccess::ReadRange::Range range;
-                         range.requestType = RR_BY_TIME;
-                         range.reference.time = BACnet_DateTime{{2024, 3, 5, 2}, {14, 30, 15, 25}};
-                         range.count = -5;
-                         return ObjectAccess::ReadRange(ref(OBJECT_TREND_LOG, 1, PROP_LOG_BUFFER), range)
-                             .encode(3, b, at);
-                     },
-                     "00 05 03 1A 0C 05000001 19 83 7E A4 7C 03 05 02 B4 0E 1E 0F 19 31 FB 7F", true});
-        m.push_back({"Who-Is", [](OctetBuffer& b, unsigned) { return RemoteDM::WhoIs(100, 200).encode(b); },
-                     "10 08 09 64 19 C8", false});
-        m.push_back({"I-Am",
-                     [](OctetBuffer& b, unsigned) {
-                         return RemoteDM::IAm(oid(OBJECT_DEVICE, 1234), 1476, 3, 947).encode(b);
-                     },
-                     "10 00 C4 020004D2 22 05C4 91 03 22 03B3", false});
-        m.push_back(
-            {"TimeSynchronization",
-             [](OctetBuffer& b, unsigned) { return RemoteDM::TimeSync(localMoment(), false).encode(b); },
-             "10 06 A4 7C 03 05 02 B4 0E 1E 0F 19", false});
-        m.push_back(
-            {"UTCTimeSynchronization",
-             [](OctetBuffer& b, unsigned) { return RemoteDM::TimeSync(localMoment(), true).encode(b); },
-             "10 09 A4 7C 03 05 02 B4 0E 1E 0F 19", false});
+        ObjectAccess::ReadRange::Range byTime;
+        byTime.requestType = RR_BY_TIME;
+        byTime.reference.time = BACnet_DateTime{{2024, 3, 5, 2}, {14, 30, 15, 25}};
+        byTime.count = -5;
         static const std::string rrAck = readRangeAck("03");
-        m.push_back({"ReadRangeAck",
-                     [](OctetBuffer& b, unsigned at) {
-                         const Bytes bytes = hex(rrAck);
-                         ObjectAccess::ReadRangeAck ack;
-                         ack.decode(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, nullptr);
-                         return ack.encode(4, b, at);
-                     },
-                     rrAck.c_str(), false});
-        return m;
+        return std::vector<Message>{
+            {"ReadProperty", rp(ref(OBJECT_ANALOG_INPUT, 3, PROP_PRESENT_VALUE), 7), "00 05 07 0C 0C 00000003 19 55", true},
+            {"ReadProperty index", rp(ref(OBJECT_DEVICE, 4194302, PROP_OBJECT_LIST, 300), 255),
+             "00 05 FF 0C 0C 023FFFFE 19 4C 2A 012C", true},
+            {"ReadPropertyAck",
+             [](OctetBuffer& b, unsigned at) {
+                 ObjectAccess::ReadPropertyAck ack;
+                 ack.setReference(ref(OBJECT_ANALOG_INPUT, 3, PROP_PRESENT_VALUE));
+                 ack.getValue().setReal(21.0f);
+                 return ack.encode(9, b, at);
+             },
+             "30 09 0C 0C 00000003 19 55 3E 44 41A80000 3F", false},
+            {"WriteProperty",
+             [](OctetBuffer& b, unsigned at) {
+                 BACnet_Write_Property_Data data{};
+                 DataWriteProperty request(data, true);
+                 request.set(DataType::BACnetDeviceObjectPropertyReference(oid(OBJECT_ANALOG_OUTPUT, 1), PROP_PRESENT_VALUE,
+                                                                           BACNET_ARRAY_ALL, oid(OBJECT_DEVICE, 5)),
+                             OctetBuffer(hex("44 00000000").data(), 5), 8);
+                 return ObjectAccess::WriteProperty::encode(request, 4, b, at);
+             },
+             "00 05 04 0F 0C 00400001 19 55 3E 44 00000000 3F 49 08", true},
+            {"ReadPropertyMultiple",
+             [](OctetBuffer& b, unsigned at) {
+                 return rpmOf({{oid(OBJECT_ANALOG_INPUT, 3), {PROP_PRESENT_VALUE, PROP_OBJECT_NAME}},
+                               {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}}})
+                     .encode(2, b, at);
+             },
+             "00 05 02 0E 0C 00000003 1E 09 55 09 4D 1F 0C 00400001 1E 09 55 1F", true},
+            {"ReadRange default", rr(ObjectAccess::ReadRange::Range()), "00 05 03 1A 0C 05000001 19 83 3E 21 00 31 01 3F",
+             true},
+            {"ReadRange by time", rr(byTime), "00 05 03 1A 0C 05000001 19 83 7E A4 7C 03 05 02 B4 0E 1E 0F 19 31 FB 7F",
+             true},
+            unconfirmed("Who-Is", [](OctetBuffer& b) { return RemoteDM::WhoIs(100, 200).encode(b); }, "10 08 09 64 19 C8"),
+            unconfirmed("I-Am", [](OctetBuffer& b) { return RemoteDM::IAm(oid(OBJECT_DEVICE, 1234), 1476, 3, 947).encode(b); },
+                        "10 00 C4 020004D2 22 05C4 91 03 22 03B3"),
+            unconfirmed("TimeSynchronization", [](OctetBuffer& b) { return RemoteDM::TimeSync(localMoment(), false).encode(b); },
+                        "10 06 A4 7C 03 05 02 B4 0E 1E 0F 19"),
+            unconfirmed("UTCTimeSynchronization",
+                        [](OctetBuffer& b) { return RemoteDM::TimeSync(localMoment(), true).encode(b); },
+                        "10 09 A4 7C 03 05 02 B4 0E 1E 0F 19"),
+            {"ReadRangeAck",
+             [](OctetBuffer& b, unsigned at) {
+                 const Bytes bytes = hex(rrAck);
+                 ObjectAccess::ReadRangeAck ack;
+                 ack.decode(bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, nullptr);
+                 return ack.encode(4, b, at);
+             },
+             rrAck.c_str(), false}};
     }();
     return table;
 }
@@ -248,12 +238,8 @@ TEST_F(Services, TheAnalyserReadsEveryMessageWithoutComplaint) {
 }
 
 TEST_F(Services, RequestHeaders) {
-    struct Case {
-        const char* bytes;
-        int rp, rpm, rr;  // what each request decoder answers
-        int invokeId;     // -1: untouched
-    };
-    const Case cases[] = {
+    // bytes, what the ReadProperty, ReadPropertyMultiple and ReadRange decoders answer, the invoke id (-1: untouched)
+    const struct { const char* bytes; int rp, rpm, rr, invokeId; } cases[] = {
         {"00 05 07 0C", 0, -1, -1, 7},                           // header alone: nothing decoded yet
         {"00 05 07 0C 0C 00000003 19 55", 7, -1, -1, 7},         // a whole ReadProperty
         {"00 05 07 0E 0C 00000003 1E 09 55 1F", -1, -1, -1, 7},  // RPM requests are not decoded
@@ -262,7 +248,7 @@ TEST_F(Services, RequestHeaders) {
         {"30 07 0C", -1, -1, -1, -1},
         {"00 05", 0, 0, 0, -1},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes);
         const Bytes bytes = hex(c.bytes);
         uint8_t invoke = 0xEE;
@@ -283,51 +269,38 @@ TEST_F(Services, RequestHeaders) {
 
 TEST_F(Services, ReadPropertyAckAnswersItsRequestOrKeepsWhatItHeld) {
     const ObjectAccess::ReadProperty asked(ref(OBJECT_ANALOG_INPUT, 3, PROP_PRESENT_VALUE));
-    struct Case {
-        const char* name;
-        const char* bytes;
-        int result;
-        BACNET_ERROR_CLASS errorClass;
-        BACNET_ERROR_CODE errorCode;
+    // Every refusal is -1 with the error given; the acknowledgement keeps what it held.
+    const std::string pv = "30 09 0C 0C 00000003 19 55 3E 44 41A80000 3F";
+    const std::tuple<const char*, std::string, BACNET_ERROR_CLASS, BACNET_ERROR_CODE> cases[] = {
+        {"another object", "30 09 0C 0C 00000004 19 55 3E 44 41A80000 3F", ERROR_CLASS_SERVICES, ERROR_CODE_INCONSISTENT_PARAMETERS},
+        {"another property", "30 09 0C 0C 00000003 19 4D 3E 75 03 00 41 42 3F", ERROR_CLASS_SERVICES, ERROR_CODE_INCONSISTENT_PARAMETERS},
+        {"an array index", "30 09 0C 0C 00000003 19 55 29 01 3E 44 41A80000 3F", ERROR_CLASS_SERVICES, ERROR_CODE_INCONSISTENT_PARAMETERS},
+        {"an error", "50 09 0C 91 02 91 20", ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY},
+        {"another service", "30 09 0E 0C 00000003 19 55 3E 44 41A80000 3F", DataError::NO_ERROR_CLASS, BACNET_ERROR_CODE(65535)},
+        {"a value of the wrong type", "30 09 0C 0C 00000003 19 55 3E 21 05 3F", ERROR_CLASS_PROPERTY, ERROR_CODE_INVALID_DATA_TYPE},
+        {"a byte too many", pv + " 00", ERROR_CLASS_SERVICES, ERROR_CODE_INVALID_TAG},
+        {"the header alone", "30 09 0C", ERROR_CLASS_SERVICES, ERROR_CODE_INVALID_TAG},
     };
-    const Case cases[] = {
-        {"another object", "30 09 0C 0C 00000004 19 55 3E 44 41A80000 3F", -1, ERROR_CLASS_SERVICES,
-         ERROR_CODE_INCONSISTENT_PARAMETERS},
-        {"another property", "30 09 0C 0C 00000003 19 4D 3E 75 03 00 41 42 3F", -1, ERROR_CLASS_SERVICES,
-         ERROR_CODE_INCONSISTENT_PARAMETERS},
-        {"an array index", "30 09 0C 0C 00000003 19 55 29 01 3E 44 41A80000 3F", -1, ERROR_CLASS_SERVICES,
-         ERROR_CODE_INCONSISTENT_PARAMETERS},
-        {"an error", "50 09 0C 91 02 91 20", -1, ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY},
-        {"another service", "30 09 0E 0C 00000003 19 55 3E 44 41A80000 3F", -1, DataError::NO_ERROR_CLASS,
-         static_cast<BACNET_ERROR_CODE>(65535)},
-        {"a value of the wrong type", "30 09 0C 0C 00000003 19 55 3E 21 05 3F", -1, ERROR_CLASS_PROPERTY,
-         ERROR_CODE_INVALID_DATA_TYPE},
-        {"a byte too many", "30 09 0C 0C 00000003 19 55 3E 44 41A80000 3F 00", -1, ERROR_CLASS_SERVICES,
-         ERROR_CODE_INVALID_TAG},
-        {"the header alone", "30 09 0C", -1, ERROR_CLASS_SERVICES, ERROR_CODE_INVALID_TAG},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::get<0>(c));
         ObjectAccess::ReadPropertyAck ack;
         ack.setReference(ref(OBJECT_BINARY_INPUT, 1, PROP_PRESENT_VALUE));
         ack.getValue().setEnum(1);
         DataError error;
-        const Bytes bytes = hex(c.bytes);
-        EXPECT_EQ(ack.decode(asked, bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, &error),
-                  c.result);
-        EXPECT_EQ(error.getErrorClass(), c.errorClass);
-        EXPECT_EQ(error.getErrorCode(), c.errorCode);
+        const Bytes bytes = hex(std::get<1>(c));
+        EXPECT_EQ(ack.decode(asked, bytes.data(), static_cast<unsigned>(bytes.size()), nullptr, &error), -1);
+        EXPECT_EQ(error.getErrorClass(), std::get<2>(c));
+        EXPECT_EQ(error.getErrorCode(), std::get<3>(c));
         EXPECT_TRUE(ack.getReference() == ref(OBJECT_BINARY_INPUT, 1, PROP_PRESENT_VALUE));
         EXPECT_EQ(ack.getValue().getEnum(), 1u);
     }
 
     // Every cut of a good acknowledgement is refused, and the good one is taken.
-    const Bytes good = hex("30 09 0C 0C 00000003 19 55 3E 44 41A80000 3F");
+    const Bytes good = hex(pv);
     for (std::size_t n = 0; n < good.size(); ++n) {
-        std::unique_ptr<uint8_t[]> copy(new uint8_t[n + 1]);
-        std::copy(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(n), copy.get());
+        const TQTest::ExactBuffer cut(good, n);
         ObjectAccess::ReadPropertyAck ack;
-        EXPECT_LT(ack.decode(asked, copy.get(), static_cast<unsigned>(n), nullptr, nullptr), 0) << n;
+        EXPECT_LT(ack.decode(asked, cut.data(), cut.size(), nullptr, nullptr), 0) << n;
     }
     ObjectAccess::ReadPropertyAck ack;
     uint8_t invoke = 0;
@@ -342,9 +315,8 @@ TEST_F(Services, ReadPropertyMultipleAckAnswersItsRequest) {
         "0C 00000003 1E 29 55 4E 44 41A80000 4F 29 4D 4E 73 00 41 42 4F 29 75 5E 91 02 91 20 5F 1F";
     const std::string ao1 = "0C 00400001 1E 29 55 4E 44 00000000 4F 1F";
     const Bytes both = hex("30 01 0E " + ai3 + " " + ao1);
-    const auto asked =
-        rpmOf({{oid(OBJECT_ANALOG_INPUT, 3), {PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS}},
-               {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}}});
+    const auto asked = rpmOf({{oid(OBJECT_ANALOG_INPUT, 3), {PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS}},
+                              {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}}});
     ObjectAccess::ReadPropertyMultipleAck ack;
     ASSERT_EQ(ack.decode(asked, both.data(), static_cast<unsigned>(both.size()), nullptr, nullptr),
               static_cast<int>(both.size()) - 3);
@@ -361,40 +333,21 @@ TEST_F(Services, ReadPropertyMultipleAckAnswersItsRequest) {
     EXPECT_EQ(error.getErrorClass(), ERROR_CLASS_PROPERTY) << "the server's class and code";
     EXPECT_EQ(error.getErrorCode(), ERROR_CODE_UNKNOWN_PROPERTY);
 
-    struct Case {
-        const char* name;
-        ObjectAccess::ReadPropertyMultiple request;
-        int result;
-    };
-    const Case cases[] = {
-        {"one object more asked",
-         rpmOf({{oid(OBJECT_ANALOG_INPUT, 3), {PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS}},
-                {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}},
-                {oid(OBJECT_ANALOG_OUTPUT, 2), {PROP_PRESENT_VALUE}}}),
-         -1},
+    const auto ai = std::make_pair(oid(OBJECT_ANALOG_INPUT, 3), std::vector<BACNET_PROPERTY_ID>{PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS});
+    const auto ao = std::make_pair(oid(OBJECT_ANALOG_OUTPUT, 1), std::vector<BACNET_PROPERTY_ID>{PROP_PRESENT_VALUE});
+    const std::tuple<const char*, ObjectAccess::ReadPropertyMultiple, int> cases[] = {
+        {"one object more asked", rpmOf({ai, ao, {oid(OBJECT_ANALOG_OUTPUT, 2), {PROP_PRESENT_VALUE}}}), -1},
         {"fewer results than asked",
-         rpmOf({{oid(OBJECT_ANALOG_INPUT, 3),
-                 {PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS, PROP_DESCRIPTION}},
-                {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}}}),
-         -1},
-        {"objects swapped",
-         rpmOf({{oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}},
-                {oid(OBJECT_ANALOG_INPUT, 3), {PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS}}}),
-         -1},
-        {"all properties asked",
-         rpmOf({{oid(OBJECT_ANALOG_INPUT, 3), {PROP_ALL}},
-                {oid(OBJECT_ANALOG_OUTPUT, 1), {PROP_PRESENT_VALUE}}}),
-         static_cast<int>(both.size()) - 3},
+         rpmOf({{ai.first, {PROP_PRESENT_VALUE, PROP_OBJECT_NAME, PROP_UNITS, PROP_DESCRIPTION}}, ao}), -1},
+        {"objects swapped", rpmOf({ao, ai}), -1},
+        {"all properties asked", rpmOf({{ai.first, {PROP_ALL}}, ao}), static_cast<int>(both.size()) - 3},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::get<0>(c));
         DataError why;
-        EXPECT_EQ(ack.decode(c.request, both.data(), static_cast<unsigned>(both.size()), nullptr, &why),
-                  c.result);
+        EXPECT_EQ(ack.decode(std::get<1>(c), both.data(), static_cast<unsigned>(both.size()), nullptr, &why), std::get<2>(c));
         EXPECT_EQ(ack.sizeRAR(), 2u) << "a refused answer leaves the earlier results";
-        if (c.result < 0) {
-            EXPECT_EQ(why.getErrorCode(), ERROR_CODE_INCONSISTENT_PARAMETERS);
-        }
+        if (std::get<2>(c) < 0) { EXPECT_EQ(why.getErrorCode(), ERROR_CODE_INCONSISTENT_PARAMETERS); }
     }
     const Bytes rpChoice = hex("30 01 0C " + ai3);
     EXPECT_EQ(ack.decode(rpChoice.data(), static_cast<unsigned>(rpChoice.size()), nullptr, nullptr), -1);
@@ -440,13 +393,8 @@ TEST_F(Services, UnconfirmedServicesDecode) {
     EXPECT_EQ(whoIs.getLowLimit(), 100);
     EXPECT_EQ(whoIs.getHighLimit(), 200);
 
-    struct Case {
-        const char* bytes;
-        int iAm;       // IAm::decode
-        int timeSync;  // TimeSync::decode
-        bool utc;
-    };
-    const Case cases[] = {
+    // bytes, what IAm::decode and TimeSync::decode answer, whether the time is UTC
+    const struct { const char* bytes; int iAm, timeSync; bool utc; } cases[] = {
         {"10 00 C4 020004D2 22 05C4 91 03 22 03B3", 15, -1, false},
         {"00 00 C4 020004D2 22 05C4 91 03 22 03B3", -1, -1, false},  // a confirmed request
         {"10 00 C4 000004D2 22 05C4 91 03 22 03B3", -1, -1, false},  // not a device
@@ -459,7 +407,7 @@ TEST_F(Services, UnconfirmedServicesDecode) {
         {"10", -1, -1, false},
         {"", -1, -1, false},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes);
         const Bytes bytes = hex(c.bytes);
         const OctetBuffer buffer(bytes.data(), bytes.size());

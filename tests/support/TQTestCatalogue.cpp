@@ -167,10 +167,4 @@ long long CatalogueDb::typeNumber(const std::string& name) const {
     return -1;
 }
 
-std::vector<std::string> CatalogueDb::columns(const std::string& table) const {
-    std::vector<std::string> names;
-    for (const auto& row : rows("PRAGMA table_info(" + table + ")")) names.push_back(row.at(1).value_or(""));
-    return names;
-}
-
 }  // namespace TQTest

@@ -88,8 +88,6 @@ public:
     std::map<long long, std::string> enumNames(long long construct) const;
     /// The number of a data type by its exact name, or -1.
     long long typeNumber(const std::string& name) const;
-    /// The column names of a table in their order.
-    std::vector<std::string> columns(const std::string& table) const;
 
     static long long toInt(const Cell& cell) { return cell ? std::stoll(*cell) : -1; }
 

@@ -28,6 +28,13 @@ Bytes encodedBy(F encode) {
     return out;
 }
 
+// The service request of a whole confirmed APDU an encoder writes: without its four header octets.
+template <typename F>
+Bytes requestOf(F encode) {
+    const Bytes apdu = encodedBy(encode);
+    return apdu.size() < 4 ? Bytes() : Bytes(apdu.begin() + 4, apdu.end());
+}
+
 // The bytes an encoder call writes into `p`, as hex text.
 #define ENCODED_HEX(call) TQTest::hexText(TQTest::encodedBy([&](uint8_t* p) { return call; }))
 // What a decoder call returns for an exactly-sized copy of the hex text, given as `p` and `n`.

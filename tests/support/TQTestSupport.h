@@ -183,7 +183,8 @@ void expectWireForm(const T& value, const std::string& bytesText, const T& blank
 }
 
 /// Links the values in vector order, as the value container hands decoded primitives over.
-inline void link(std::vector<TQ::BACnet::DataApplicationValue>& values) {
+template <class Values>
+void link(Values& values) {
     for (std::size_t i = 0; i + 1 < values.size(); ++i) values[i].next = &values[i + 1];
     if (!values.empty()) values.back().next = nullptr;
 }

@@ -82,6 +82,7 @@ struct Example {
 }  // namespace
 
 TEST(EncoderJSON, BodiesEncodeToTheBytesOfTheirType) {
+    // clang-format off
     const Example examples[] = {
         {"compact REAL", REAL, R"({"$value":21.5})", "44 41AC0000"},
         {"expanded REAL", REAL, R"({"$base":"Real","$value":21.5})", "44 41AC0000"},
@@ -98,35 +99,24 @@ TEST(EncoderJSON, BodiesEncodeToTheBytesOfTheirType) {
         {"string with escapes", TEXT, R"({"$value":"a\"b\u00e9"})", "75 06 00 612262C3A9"},
         {"priority array: choice per slot, gaps end it", PRIORITY_ARRAY,
          R"({"1":{"real":21.5},"2":{"null":""},"3":{"unsigned":7},"5":{"real":1}})", "44 41AC0000 00 21 07"},
-        {"array of identifiers", OBJECT_LIST, R"({"1":"device,1234","2":"analog-input,1"})",
-         "C4 020004D2 C4 00000001"},
-        {"sequence-of by member names", READ_ACCESS_SPEC,
-         R"({"object-identifier":"analog-input,1","list-of-property-references":)"
-         R"({"1":{"property-identifier":"present-value"},"2":{"property-identifier":111}}})",
-         "0C 00000001 1E 09 55 09 6F 1F"},
-        {"sequence-of as JSON array", READ_ACCESS_SPEC,
-         R"({"object-identifier":"analog-input,1","list-of-property-references":)"
-         R"([{"property-identifier":"present-value"},{"property-identifier":"status-flags"}]})",
-         "0C 00000001 1E 09 55 09 6F 1F"},
-        {"sequence, optional members absent", REFERENCE,
-         R"({"object-identifier":"analog-input,1","property-identifier":"present-value"})",
+        {"array of identifiers", OBJECT_LIST, R"({"1":"device,1234","2":"analog-input,1"})", "C4 020004D2 C4 00000001"},
+        {"sequence-of by member names", READ_ACCESS_SPEC, R"({"object-identifier":"analog-input,1","list-of-property-references":)"
+         R"({"1":{"property-identifier":"present-value"},"2":{"property-identifier":111}}})", "0C 00000001 1E 09 55 09 6F 1F"},
+        {"sequence-of as JSON array", READ_ACCESS_SPEC, R"({"object-identifier":"analog-input,1","list-of-property-references":)"
+         R"([{"property-identifier":"present-value"},{"property-identifier":"status-flags"}]})", "0C 00000001 1E 09 55 09 6F 1F"},
+        {"sequence, optional members absent", REFERENCE, R"({"object-identifier":"analog-input,1","property-identifier":"present-value"})",
          "0C 00000001 19 55"},
-        {"sequence, every member", REFERENCE,
-         R"({"object-identifier":"analog-input,1","property-identifier":85,"property-array-index":3,)"
-         R"("device-identifier":"device,9"})",
-         "0C 00000001 19 55 29 03 3C 02000009"},
-        {"expanded sequence", DATE_TIME,
-         R"({"$base":"Sequence","date":{"$base":"Date","$value":"2024-03-05"},)"
-         R"("time":{"$base":"Time","$value":"12.30.15.50"}})",
-         "A4 7C0305FF B4 0C1E0F32"},
-        {"context-tagged constructed alternative", PRIORITY_VALUE,
-         R"({"datetime":{"date":"2024-03-05","time":"12.30.15.50"}})", "1E A4 7C0305FF B4 0C1E0F32 1F"},
-        {"ABSTRACT-SYNTAX alternative in its tags", PRIORITY_VALUE,
-         R"({"constructed-value":{"$base":"Real","$value":1}})", "0E 44 3F800000 0F"},
+        {"sequence, every member", REFERENCE, R"({"object-identifier":"analog-input,1","property-identifier":85,"property-array-index":3,)"
+         R"("device-identifier":"device,9"})", "0C 00000001 19 55 29 03 3C 02000009"},
+        {"expanded sequence", DATE_TIME, R"({"$base":"Sequence","date":{"$base":"Date","$value":"2024-03-05"},)"
+         R"("time":{"$base":"Time","$value":"12.30.15.50"}})", "A4 7C0305FF B4 0C1E0F32"},
+        {"context-tagged constructed alternative", PRIORITY_VALUE, R"({"datetime":{"date":"2024-03-05","time":"12.30.15.50"}})",
+         "1E A4 7C0305FF B4 0C1E0F32 1F"},
+        {"ABSTRACT-SYNTAX alternative in its tags", PRIORITY_VALUE, R"({"constructed-value":{"$base":"Real","$value":1}})", "0E 44 3F800000 0F"},
         {"ABSTRACT-SYNTAX by catalogue name", ANY_VALUE, R"({"$base":"Unsigned","$value":5})", "21 05"},
-        {"inline choice group", LANDING_CALL, R"({"floor-number":3,"command":{"destination":4}})",
-         "09 03 29 04"},
+        {"inline choice group", LANDING_CALL, R"({"floor-number":3,"command":{"destination":4}})", "09 03 29 04"},
     };
+    // clang-format on
     for (const Example& e : examples) {
         const Outcome o = encode(e.d, e.json);
         EXPECT_EQ(o.bytes, hex(e.hex)) << e.what << ": " << o.error.getWsErrorText();
@@ -134,13 +124,11 @@ TEST(EncoderJSON, BodiesEncodeToTheBytesOfTheirType) {
 }
 
 TEST(EncoderJSON, BadBodiesGiveWebServiceErrorsAndLeaveTheBufferAlone) {
-    struct Bad {
-        DataPropertyInObject0 d;
-        std::string json;
-        int code;
-        const char* text;
-    };
+    // descriptor, body, web-service error code, a piece of its text
+    struct Bad { DataPropertyInObject0 d; std::string json; int code; const char* text; };
     const std::string deep = std::string(40, '[') + std::string(40, ']');
+    const std::string x700 = std::string(700, 'x');
+    // clang-format off
     const Bad cases[] = {
         {REAL, "{", 29, ""},
         {REAL, "[21.5]", 29, "not an object"},
@@ -155,30 +143,19 @@ TEST(EncoderJSON, BadBodiesGiveWebServiceErrorsAndLeaveTheBufferAlone) {
         {REAL, R"({"$value":[1]})", 12, "JSON array"},
         {REAL, R"({"value":21.5})", 12, "sub-item \"$value\" not found"},
         {TEXT, R"({"$value":")" + std::string(MAX_CHARACTER_STRING_BYTES + 1, 'x') + "\"}", 13, ""},
-        {EVENT_STATE, R"({"$value":"Offnormal"})", 12,
-         "Can not encode enumerate value 'Offnormal'. Either invalid text, use of upper/lower case, or "
-         "enumerate "
-         "datatype does not exist in database"},
+        {EVENT_STATE, R"({"$value":"Offnormal"})", 12, "Can not encode enumerate value 'Offnormal'. Either invalid text, use of upper/lower case"},
         {EVENT_STATE, R"({"$value":"99999999999"})", 13, ""},
-        {STATUS_FLAGS, R"({"$value":"in-alarm;burning"})", 12,
-         "Can not encode bit-sting value 'in-alarm;burning'. Either invalid value or bitstring datatype does "
-         "not "
-         "exist in database"},
+        {STATUS_FLAGS, R"({"$value":"in-alarm;burning"})", 12, "Can not encode bit-sting value 'in-alarm;burning'. Either invalid value"},
         {STATUS_FLAGS, R"({"$value":"4"})", 13, ""},
         {REFERENCE, R"({"property-identifier":"present-value"})", 12,
          "TQ::BACnet::WS::EncoderJSON::getSubObject() sub-item \"object-identifier\" not found"},
-        {PRIORITY_VALUE, R"({"colour":1})", 12,
-         "TQ::BACnet::WS:: EncoderJSON::encodeChoiceInternal() no CHOICE match"},
-        {ANY_VALUE, R"({"$base":"Colour","$value":1})", 12,
-         "TQ::BACnet::WS::EncoderJSON::encodeAnyInternal(), datatype for \"Colour\" dosen't exist"},
-        {descriptor(2999, 0), R"({"$value":1})", 24,
-         "Can't encode as BACnet datatype 2999 is not implemented in MERLO-Stack database"},
+        {PRIORITY_VALUE, R"({"colour":1})", 12, "TQ::BACnet::WS:: EncoderJSON::encodeChoiceInternal() no CHOICE match"},
+        {ANY_VALUE, R"({"$base":"Colour","$value":1})", 12, "EncoderJSON::encodeAnyInternal(), datatype for \"Colour\" dosen't exist"},
+        {descriptor(2999, 0), R"({"$value":1})", 24, "Can't encode as BACnet datatype 2999 is not implemented in MERLO-Stack database"},
         // Each string fits, all of them do not.
-        {descriptor(7, 7, 2),
-         R"({"1":")" + std::string(700, 'x') + R"(","2":")" + std::string(700, 'y') + R"(","3":")" +
-             std::string(700, 'z') + R"("})",
-         13, "does not fit into one APDU"},
+        {descriptor(7, 7, 2), R"({"1":")" + x700 + R"(","2":")" + x700 + R"(","3":")" + x700 + R"("})", 13, "does not fit into one APDU"},
     };
+    // clang-format on
     for (const Bad& c : cases) {
         const Outcome o = encode(c.d, c.json);
         EXPECT_TRUE(o.bytes.empty()) << c.json.substr(0, 60);
@@ -248,19 +225,11 @@ TEST(ObjectJSON, StrictAndLenientGetters) {
     EXPECT_EQ(make(descriptor(10, 10), "2024-03-05").getDate(true).month, 3);
     EXPECT_EQ(make(descriptor(12, 12), "device,7").getObjectIdentifier(true).getInstance(), 7u);
 
-    struct Refusal {
-        std::string value;
-        const char* message;
-    };
-    const Refusal refusals[] = {
-        {"", "BACnet::WS::ObjectJSON::getValueString(<BOOLEAN>) value converted to string is empty"},
-        {"NuLL", "BACnet::WS::ObjectJSON::getValueString(<BOOLEAN>) value is null"},
-        {"yes", "BACnet::WS::ObjectJSON::getValueString(<BOOLEAN>) value is not strict boolean"},
-    };
-    for (const Refusal& r : refusals)
-        EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>(
-                      [&] { make(descriptor(1, 1), r.value).getBoolean(true); }),
-                  r.message);
+    const std::pair<const char*, const char*> refusals[] = {
+        {"", "value converted to string is empty"}, {"NuLL", "value is null"}, {"yes", "value is not strict boolean"}};
+    for (const auto& r : refusals)
+        EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>([&] { make(descriptor(1, 1), r.first).getBoolean(true); }),
+                  std::string("BACnet::WS::ObjectJSON::getValueString(<BOOLEAN>) ") + r.second);
     EXPECT_TRUE(make(descriptor(1, 1), "yes").getBoolean(false));
     EXPECT_TRUE(make(descriptor(1, 1), "TRUE").getBoolean(true));
 }
@@ -309,27 +278,21 @@ TEST(AnyJson, BuiltFromJsonAndReadAsPrimitives) {
     const ANY count(UNSIGNED, R"({"$value":17})");
     EXPECT_FLOAT_EQ(count.getReal(false), 17.0f);
     EXPECT_EQ(count.getUnsignedInt(true), 17u);
-    struct Strict {
-        std::function<void()> read;
-        const char* message;
-    };
+    struct Strict { std::function<void()> read; const char* message; };
+    TQ::Utility::BitBuffer bits;
+    // clang-format off
     const Strict refusals[] = {
         {[&] { count.getReal(true); }, "ANY strict conversion value is not real"},
         {[&] { count.getDouble(true); }, "ANY strict conversion value is not double"},
         {[&] { count.getSignedInt(true); }, "ANY strict conversion value is not signed-integer"},
         {[&] { count.getEnumerated(true); }, "ANY strict conversion value is not enumerate"},
         {[&] { count.getBoolean(true); }, "ANY strict conversion value is not boolean"},
-        {[&] {
-             TQ::Utility::BitBuffer bits;
-             count.getBitString(bits, true);
-         },
-         "ANY strict conversion value is not bit-string"},
-        {[&] { ANY(OBJECT_LIST, R"({"1":"device,1"})").getUnsignedInt(true); },
-         "ANY strict conversion value is not unisigned-integer"},
+        {[&] { count.getBitString(bits, true); }, "ANY strict conversion value is not bit-string"},
+        {[&] { ANY(OBJECT_LIST, R"({"1":"device,1"})").getUnsignedInt(true); }, "ANY strict conversion value is not unisigned-integer"},
     };
+    // clang-format on
     for (const Strict& s : refusals) EXPECT_EQ(TQTest::messageOf<Poco::BadCastException>(s.read), s.message);
 
-    TQ::Utility::BitBuffer bits;
     ANY(STATUS_FLAGS, R"({"$value":"fault"})").getBitString(bits, true);
     EXPECT_EQ(bits.getBitsString(), "0100");
     EXPECT_EQ(ANY(OBJECT_LIST, R"({"1":"device,1","2":"device,2"})").getText(" | "), "device,1 | device,2");

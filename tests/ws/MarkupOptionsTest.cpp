@@ -35,11 +35,7 @@ TEST(MarkupOptions, DefaultsSurviveEmptyAndIgnoredInput) {
 }
 
 TEST(MarkupOptions, FormatAndContentType) {
-    const struct {
-        const char* query;
-        const char* alt;
-        const char* contentType;
-    } cases[] = {
+    const struct { const char* query, *alt, *contentType; } cases[] = {
         {"alt=json", "json", "application/json"},
         {"alt=json&alt=plain", "plain", "text/plain"},
         {"alt=json&alt=xml", "xml", "application/xml; charset=utf-8"},

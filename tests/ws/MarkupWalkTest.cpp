@@ -28,31 +28,18 @@ std::vector<DataApplicationValue> run(const std::vector<Value>& values) {
     for (std::size_t i = 0; i < values.size(); ++i) {
         DataApplicationValue& v = out[i];
         const Value& in = values[i];
+        // clang-format off
         switch (in.kind) {
-            case 'u':
-                v.setUInt(static_cast<unsigned>(in.number));
-                break;
-            case 'e':
-                v.setEnum(static_cast<unsigned>(in.number));
-                break;
-            case 'r':
-                v.setReal(static_cast<float>(in.number));
-                break;
-            case 'b':
-                v.setBool(in.number != 0);
-                break;
-            case 'o':
-                v.setObjectIdentifier(BN::DataType::ObjectIdentifier(static_cast<uint32_t>(in.number)));
-                break;
-            case '(':
-                v.tag = BACNET_PSEUDO_TAG_OPENING;
-                break;
-            case ')':
-                v.tag = BACNET_PSEUDO_TAG_CLOSING;
-                break;
-            default:
-                break;  // null
+            case 'u': v.setUInt(static_cast<unsigned>(in.number)); break;
+            case 'e': v.setEnum(static_cast<unsigned>(in.number)); break;
+            case 'r': v.setReal(static_cast<float>(in.number)); break;
+            case 'b': v.setBool(in.number != 0); break;
+            case 'o': v.setObjectIdentifier(BN::DataType::ObjectIdentifier(static_cast<uint32_t>(in.number))); break;
+            case '(': v.tag = BACNET_PSEUDO_TAG_OPENING; break;
+            case ')': v.tag = BACNET_PSEUDO_TAG_CLOSING; break;
+            default: break;  // null
         }
+        // clang-format on
         v.context_specific = in.context >= 0;
         v.context_tag = static_cast<uint8_t>(in.context < 0 ? 0 : in.context);
         if (i + 1 < values.size()) v.next = &out[i + 1];
@@ -97,100 +84,33 @@ constexpr double kDevice9 = (8u << 22) | 9u;
 
 TEST(MarkupWalk, RunsRenderByTheirCatalogueDefinition) {
     TQTest::Catalogue::open();
-    const struct {
-        const char* what;
-        BN::BACnetDataType type;
-        std::vector<Value> values;
-        bool useNames;
-        const char* json;
-        bool ok;
-        int error;
-        std::size_t consumed;
-    } cases[] = {
-        {"choice picks the alternative of the context tag",
-         kTimeStamp,
-         {{'u', 7, 1}},
-         true,
-         "{\"sequence-number\":7}",
-         true,
-         0,
-         1},
-        {"enumerations by name",
-         BN::BACNET_DT_ERROR,
-         {{'e', 2, -1}, {'e', 32, -1}},
-         true,
-         "{\"error-class\":\"property\",\"error-code\":\"unknown-property\"}",
-         true,
-         0,
-         2},
-        {"enumerations by number without names",
-         BN::BACNET_DT_ERROR,
-         {{'e', 2, -1}, {'e', 32, -1}},
-         false,
-         "{\"error-class\":\"2\",\"error-code\":\"32\"}",
-         true,
-         0,
-         2},
-        {"absent optional members",
-         kReference,
-         {{'o', kAnalogValue1, 0}, {'e', 85, 1}, {'o', kDevice9, 3}},
-         true,
-         "{\"object-identifier\":\"analog-value,1\",\"property-identifier\":\"present-value\","
-         "\"device-identifier\":\"device,9\"}",
-         true,
-         0,
-         3},
-        {"absent mandatory member fails and leaves the run",
-         kReference,
-         {{'e', 85, 1}},
-         true,
-         "{}",
-         false,
-         300,
-         0},
-        {"sequence-of names its elements and takes choices",
-         kPriorityArray,
-         {{'n', 0, -1}, {'r', 21.5, -1}, {'e', 1, -1}, {'b', 1, -1}},
-         true,
-         "{\"1\":{\"null\":\"NULL\"},\"2\":{\"real\":21.5},\"3\":{\"enumerated\":\"1\"},\"4\":{\"boolean\":"
-         "true}}",
-         true,
-         0,
-         4},
-        {"sequence-of stops at a closing tag",
-         kPriorityArray,
-         {{'r', 1, -1}, {')', 0, 3}, {'r', 2, -1}},
-         true,
-         "{\"1\":{\"real\":1}}",
-         true,
-         0,
-         1},
-        {"a wrong value inside an alternative's tags is shown",
-         kTimeStamp,
-         {{'(', 0, 2}, {'n', 0, -1}},
-         true,
-         "{\"datetime\":{\"date\":\"NULL\"}}",
-         false,
-         300,
-         0},
-        {"an unknown type is truncated",
-         static_cast<BN::BACnetDataType>(2999),
-         {{'r', 1, -1}},
-         true,
-         "{\"$value\":\"truncated\"}",
-         true,
-         200,
-         0},
-        {"an empty run renders nothing", BN::BACNET_DT_ERROR, {}, true, "", false, 300, 0},
-        {"a wrong tag is shown and marks the failure",
-         BN::BACNET_DT_ERROR,
-         {{'e', 2, -1}, {'r', 1.5, -1}},
-         true,
-         "{\"error-class\":\"property\",\"error-code\":1.5}",
-         false,
-         300,
-         2},
+    const auto E = BN::BACNET_DT_ERROR;
+    // clang-format off
+    // type, run, with names, JSON, success, last error code, values consumed
+    const struct { const char* what; BN::BACnetDataType type; std::vector<Value> values; bool useNames; const char* json; bool ok; int error; std::size_t consumed; } cases[] = {
+        {"choice picks the alternative of the context tag", kTimeStamp, {{'u', 7, 1}}, true, "{\"sequence-number\":7}", true, 0, 1},
+        {"enumerations by name", E, {{'e', 2, -1}, {'e', 32, -1}}, true,
+         "{\"error-class\":\"property\",\"error-code\":\"unknown-property\"}", true, 0, 2},
+        {"enumerations by number without names", E, {{'e', 2, -1}, {'e', 32, -1}}, false,
+         "{\"error-class\":\"2\",\"error-code\":\"32\"}", true, 0, 2},
+        {"absent optional members", kReference, {{'o', kAnalogValue1, 0}, {'e', 85, 1}, {'o', kDevice9, 3}}, true,
+         "{\"object-identifier\":\"analog-value,1\",\"property-identifier\":\"present-value\",\"device-identifier\":\"device,9\"}",
+         true, 0, 3},
+        {"absent mandatory member fails and leaves the run", kReference, {{'e', 85, 1}}, true, "{}", false, 300, 0},
+        {"sequence-of names its elements and takes choices", kPriorityArray,
+         {{'n', 0, -1}, {'r', 21.5, -1}, {'e', 1, -1}, {'b', 1, -1}}, true,
+         "{\"1\":{\"null\":\"NULL\"},\"2\":{\"real\":21.5},\"3\":{\"enumerated\":\"1\"},\"4\":{\"boolean\":true}}", true, 0, 4},
+        {"sequence-of stops at a closing tag", kPriorityArray, {{'r', 1, -1}, {')', 0, 3}, {'r', 2, -1}}, true,
+         "{\"1\":{\"real\":1}}", true, 0, 1},
+        {"a wrong value inside an alternative's tags is shown", kTimeStamp, {{'(', 0, 2}, {'n', 0, -1}}, true,
+         "{\"datetime\":{\"date\":\"NULL\"}}", false, 300, 0},
+        {"an unknown type is truncated", static_cast<BN::BACnetDataType>(2999), {{'r', 1, -1}}, true,
+         "{\"$value\":\"truncated\"}", true, 200, 0},
+        {"an empty run renders nothing", E, {}, true, "", false, 300, 0},
+        {"a wrong tag is shown and marks the failure", E, {{'e', 2, -1}, {'r', 1.5, -1}}, true,
+         "{\"error-class\":\"property\",\"error-code\":1.5}", false, 300, 2},
     };
+    // clang-format on
     for (const auto& c : cases) {
         const Rendered r = render(c.type, c.values, c.useNames);
         EXPECT_EQ(r.json, c.json) << c.what;

@@ -61,12 +61,7 @@ const Writer kNested = [](MF& f) {
 
 TEST(MarkupWriters, WorkedExamplesByteForByte) {
     TQTest::Catalogue::open();
-    const struct {
-        const char* what;
-        const Writer* write;
-        const char* query;
-        std::string expected;
-    } cases[] = {
+    const struct { const char* what; const Writer* write; const char* query; std::string expected; } cases[] = {
         {"primitive", &kPrimitive, "",
          kDecl + "<Real name=\"present-value\" value=\"21.5\" xmlns=\"" + kNs + "\"/>"},
         {"primitive", &kPrimitive, "alt=json", "{\"$value\":21.5}"},
@@ -97,11 +92,7 @@ TEST(MarkupWriters, WorkedExamplesByteForByte) {
 }
 
 TEST(MarkupWriters, CompactJsonShapesStayValid) {
-    const struct {
-        const char* what;
-        Writer write;
-        const char* expected;
-    } cases[] = {
+    const struct { const char* what; Writer write; const char* expected; } cases[] = {
         {"named null keeps an empty string", [](MF& f) { leaf(f, MF::BT_NULL, "n", ""); }, "{\"n\":\"\"}"},
         {"omitted empty value", [](MF& f) { leaf(f, MF::BT_REAL, "r", "", false, true); }, "{\"r\":null}"},
         {"a number that is no JSON number", [](MF& f) { leaf(f, MF::BT_REAL, "r", "nan"); },
@@ -166,21 +157,4 @@ TEST(MarkupWriters, MetadataMembersFromTheCatalogue) {
     EXPECT_NE(xml.find("=\"200\""), std::string::npos) << xml;
     EXPECT_NE(xml.find("no &lt;row&gt;"), std::string::npos) << xml;
     EXPECT_EQ(render("alt=json", withMetadata), "{\"$value\":\"truncated\"}") << "no category, no metadata";
-}
-
-TEST(MarkupWriters, CompressedBodiesInflateToTheSameText) {
-    const Writer big = [](MF& f) {
-        open(f, MF::BT_ARRAY, "priority-array", true);
-        for (int i = 1; i <= 300; ++i) leaf(f, MF::BT_REAL, std::to_string(i), "21.5");
-    };
-    for (const char* alt : {"xml", "json", "plain"}) {
-        const std::string plain = render(std::string("alt=") + alt, big);
-        for (const auto type :
-             {Poco::InflatingStreamBuf::STREAM_GZIP, Poco::InflatingStreamBuf::STREAM_ZLIB}) {
-            const char* word = type == Poco::InflatingStreamBuf::STREAM_GZIP ? "gzip" : "zlib";
-            const std::string packed = render(std::string("alt=") + alt + "&compress=" + word, big);
-            EXPECT_LT(packed.size(), plain.size() / 4) << alt << word;
-            EXPECT_EQ(TQWsTest::inflate(packed, type), plain) << alt << word;
-        }
-    }
 }

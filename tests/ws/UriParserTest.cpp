@@ -5,6 +5,8 @@
 
 #include <Poco/Exception.h>
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 using TQ::BACnet::WS::DataWsError;
@@ -43,45 +45,36 @@ Parsed parse(const std::string& uri, BACNET_SERVICES_SUPPORTED service = RPM,
 }  // namespace
 
 TEST_F(UriParserTest, AcceptedPathsResolveEveryItem) {
-    struct Case {
-        std::string uri;
-        BACNET_SERVICES_SUPPORTED service;
-        SD::HttpMethod method;
-        const char* path;  // canonical path of what was resolved
-        BACNET_SERVICES_SUPPORTED carriedOutBy;
-    };
-    const Case cases[] = {
-        {"/bacnetws/.bacnet", RPM, SD::HM_READ, "/.bacnet", RPM},
-        {"/bacnetws/.bacnet", GEI, SD::HM_READ, "/.bacnet", GEI},
-        {"//bacnetws//.bacnet/ .local /1234/ analog-value , 3 /present-value/", RPM, SD::HM_READ,
-         "/.bacnet/.local/1234/analog-value,3/present-value", RPM},
-        {"/bacnetws/.bltd/object-list/3", RPM, SD::HM_READ, "/.bacnet/.local/1234/device,1234/object-list/3",
-         RPM},
-        {"/bacnetws/.blt/analog-value,3/present-value", RP, SD::HM_READ,
-         "/.bacnet/.local/1234/analog-value,3/present-value", RP},
-        {"/bacnetws/.bacnet/5/.self/trendlog,1/log-buffer", RPM, SD::HM_READ,
-         "/.bacnet/5/1234/trend-log,1/log-buffer", RPM},
-        {"/bacnetws/.bacnet/65535/4194303/1023,4194303/16777214", RPM, SD::HM_READ,
-         "/.bacnet/65535/4194303/1023,4194303/16777214", RPM},
-        {"/bacnetws/.bacnet/.local/1/analog-value,1/priority-array/16", WP, SD::HM_WRITE,
-         "/.bacnet/.local/1/analog-value,1/priority-array/16", WP},
-        {"/bacnetws/.bacnet/.local/1/analog-value,1/1,024", RPM, SD::HM_READ,
-         "/.bacnet/.local/1/analog-value,1/1024", RPM},
-        {"/bacnetws/.bacnet/.local/1/analog-value,1/present-value?947-srv=read-property", RPM, SD::HM_READ,
-         "/.bacnet/.local/1/analog-value,1/present-value", RP},
-        {"/bacnetws/.bacnet/.local/1/analog-value,1?depth=1&alt=json", RPM, SD::HM_READ,
-         "/.bacnet/.local/1/analog-value,1", RPM},
-        {"/bacnetws/.bacnet/.local/1/analog-value,1/present-value?alt=plain&depth=-1", RP, SD::HM_READ,
-         "/.bacnet/.local/1/analog-value,1/present-value", RP},
-        {"/bacnetws/.bacnet/.local/1/device,1/object-list/0?alt=json&unknown=1&depth=&alt=plain", RP, SD::HM_READ,
-         "/.bacnet/.local/1/device,1/object-list/0", RP},
-    };
-    for (const Case& c : cases) {
-        const Parsed p = parse(c.uri, c.service, c.method);
-        EXPECT_TRUE(p.ok) << c.uri << ": " << p.error.getWsErrorText();
-        EXPECT_EQ(p.params.getPath(), c.path) << c.uri;
-        EXPECT_EQ(p.params.getService(), c.carriedOutBy) << c.uri;
-        EXPECT_FALSE(p.error.hasWsError()) << c.uri;
+    // uri, service asked, method, canonical path of what was resolved, service that carries it out
+    const std::tuple<std::string, BACNET_SERVICES_SUPPORTED, SD::HttpMethod, const char*, BACNET_SERVICES_SUPPORTED>
+        cases[] = {
+            {"/bacnetws/.bacnet", RPM, SD::HM_READ, "/.bacnet", RPM},
+            {"/bacnetws/.bacnet", GEI, SD::HM_READ, "/.bacnet", GEI},
+            {"//bacnetws//.bacnet/ .local /1234/ analog-value , 3 /present-value/", RPM, SD::HM_READ,
+             "/.bacnet/.local/1234/analog-value,3/present-value", RPM},
+            {"/bacnetws/.bltd/object-list/3", RPM, SD::HM_READ, "/.bacnet/.local/1234/device,1234/object-list/3", RPM},
+            {"/bacnetws/.blt/analog-value,3/present-value", RP, SD::HM_READ, "/.bacnet/.local/1234/analog-value,3/present-value", RP},
+            {"/bacnetws/.bacnet/5/.self/trendlog,1/log-buffer", RPM, SD::HM_READ, "/.bacnet/5/1234/trend-log,1/log-buffer", RPM},
+            {"/bacnetws/.bacnet/65535/4194303/1023,4194303/16777214", RPM, SD::HM_READ,
+             "/.bacnet/65535/4194303/1023,4194303/16777214", RPM},
+            {"/bacnetws/.bacnet/.local/1/analog-value,1/priority-array/16", WP, SD::HM_WRITE,
+             "/.bacnet/.local/1/analog-value,1/priority-array/16", WP},
+            {"/bacnetws/.bacnet/.local/1/analog-value,1/1,024", RPM, SD::HM_READ, "/.bacnet/.local/1/analog-value,1/1024", RPM},
+            {"/bacnetws/.bacnet/.local/1/analog-value,1/present-value?947-srv=read-property", RPM, SD::HM_READ,
+             "/.bacnet/.local/1/analog-value,1/present-value", RP},
+            {"/bacnetws/.bacnet/.local/1/analog-value,1?depth=1&alt=json", RPM, SD::HM_READ, "/.bacnet/.local/1/analog-value,1", RPM},
+            {"/bacnetws/.bacnet/.local/1/analog-value,1/present-value?alt=plain&depth=-1", RP, SD::HM_READ,
+             "/.bacnet/.local/1/analog-value,1/present-value", RP},
+            {"/bacnetws/.bacnet/.local/1/device,1/object-list/0?alt=json&unknown=1&depth=&alt=plain", RP, SD::HM_READ,
+             "/.bacnet/.local/1/device,1/object-list/0", RP},
+        };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::get<0>(c));
+        const Parsed p = parse(std::get<0>(c), std::get<1>(c), std::get<2>(c));
+        EXPECT_TRUE(p.ok) << p.error.getWsErrorText();
+        EXPECT_EQ(p.params.getPath(), std::get<3>(c));
+        EXPECT_EQ(p.params.getService(), std::get<4>(c));
+        EXPECT_FALSE(p.error.hasWsError());
     }
     const Parsed p = parse("/bacnetws/.bltd/object-list/3");
     EXPECT_EQ(p.params.depth, 6);
@@ -92,86 +85,64 @@ TEST_F(UriParserTest, AcceptedPathsResolveEveryItem) {
     EXPECT_EQ(p.params.arrayIndex, 3u);
 }
 
-TEST_F(UriParserTest, RejectionsCarryCodeAndExactMessage) {
-    struct Case {
-        std::string uri;
-        BACNET_SERVICES_SUPPORTED service;
-        int code;
-        std::string message;
-    };
-    const std::string dev = "/bacnetws/.bacnet/.local/";
-    const std::string av = dev + "1/analog-value,1/";
-    const Case cases[] = {
-        {"/bacnetws", RPM, -1, ""},
-        {"/other/.bacnet", RPM, -1, ""},
-        {"/bacnetws/.bacnet", RP, 50,
-         "The path for service  \"read-property\" is not supported for that service"},
-        {"/bacnetws/.data", RPM, 50, "\".data\" is invalid path item"},
-        {"/bacnetws/.bacnet/x1", RPM, 49, "Addressing scope as \"x1\" is invalid"},
-        {"/bacnetws/.bacnet/65536", RPM, 49, "Addressing scope as \"65536\" is invalid"},
-        {dev + "4194304", RPM, 52,
-         "dev-inst \"4194304\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
-        {dev + "99999999999", RPM, 52,
-         "dev-inst \"99999999999\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
-        {dev + "12a", RPM, 3, "dev-inst \"12a\" is not a valid number"},
-        {dev + "+5", RPM, 3, "dev-inst \"+5\" is not a valid number"},
-        {dev + "-5", RPM, 3, "dev-inst \"-5\" is not a valid number"},
-        {dev + "0012", RPM, 3, "dev-inst \"0012\" is not a valid number"},
-        {dev + "1 2", RPM, 3, "dev-inst \"1 2\" is not a valid number"},
-        {dev + "1,00", RPM, 3, "dev-inst \"1,00\" is not a valid number"},
-        {dev + "1/analog-value", RPM, 49, "object-identifier as \"analog-value\" is invalid syntax"},
-        {dev + "1/analog-value,1,2", RPM, 49, "object-identifier as \"analog-value,1,2\" is invalid syntax"},
-        {dev + "1/1024,1", RPM, 52, "object-type as number 1024 is out of range"},
-        {dev + "1/colour,1", RPM, 50, "object-type as name \"colour\" does not exist or not supported"},
-        {dev + "1/analog-v%C3%A4lue,1", RPM, 50,
-         "object-type as name \"analog-v\xC3\xA4lue\" does not exist or not supported"},
-        {dev + "1/analog-value,4194304", RPM, 52,
-         "object-inst \"4194304\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)"},
-        {dev + "1/analog-value,x", RPM, 3, "object-inst \"x\" is not a valid number"},
-        {av + "no-such", RPM, 3, "property-id \"no-such\" is invalid property name"},
-        {av + "16777215", RPM, 52, "property-id \"16777215\" is out of range"},
-        {dev + "1/file,1/.contents", RPM, 50, "\".contents\" is not supported for objects of type \"file\""},
-        {av + ".contents", RPM, 39,
-         "property as path item \"/.contents\" is only valid with object type \"file\""},
-        {av + "priority-array/.history", RPM, 50, "\".history\" is not supported"},
-        {av + "priority-array/x", RPM, 49, "array index \"x\" is not a positive integer"},
-        {av + "priority-array/4294967295", RPM, 49, "array index \"4294967295\" is not a positive integer"},
-        {av + "priority-array/1/x", RPM, 50, "\"x\" and all path items after (if any) are unexpeced"},
-        {av + "present-value/1", RPM, 50,
-         "property \"present-value\" is not an array, therefore array index \"1\" is not permitted"},
-        {dev + "1/analog-value,1?alt=plain", RPM, 27, "result can not be represented in \"plain\" format"},
-        {dev + "1/device,1/object-list?alt=plain", RPM, 27,
-         "result can not be represented in \"plain\" format"},
-        {av + "priority-array?alt=plain", RPM, 27, "result can not be represented in \"plain\" format"},
-        {dev + "1/device,1/device-address-binding?alt=plain", RPM, 27,
-         "result can not be represented in \"plain\" format"},
-        {dev + "1?depth=0", RPM, 52,
-         "Options parmeter \"depth\" as 0 is invalid. A zeror value for depth is meaningless, would cause no "
-         "data "
-         "returned. Remove parmeter or set higher value"},
-        {dev + "1?depth=-2", RPM, 52,
-         "Options parmeter \"depth\" as -2 is invalid. Negative values other than -1 (referring to infinite "
-         "depth) "
-         "are not permitted"},
-        {dev + "1/analog-value,1?depth=2", RPM, 52,
-         "Options parmeter \"depth\" as 2 is invalid. Currently truncation can be done up to BACnet property "
-         "level, "
-         "but not deeper, either specify a lower value or remove the parameter"},
-        {dev + "1?depth=2147483647", RPM, 52,
-         "Options parmeter \"depth\" as 2147483647 is invalid. Currently truncation can be done up to BACnet "
-         "property level, but not deeper, either specify a lower value or remove the parameter"},
-        {av + "present-value?947-srv=write-property", RPM, 8,
+TEST_F(UriParserTest, RejectionsCarryCodeAndMessage) {
+    const std::string dev = "/bacnetws/.bacnet/.local/", av = dev + "1/analog-value,1/";
+    const std::string dev22 = "\" exceed the max possible value of 22 bits, 003FFFFFh (4194303)";
+    const std::string plain = "result can not be represented in \"plain\" format";
+    const std::string depth = "Options parmeter \"depth\" as ";
+    const std::string tooDeep = " is invalid. Currently truncation can be done up to BACnet property level, but not";
+    // uri, ReadPropertyMultiple (or ReadProperty) asked, code, the message's beginning
+    const std::tuple<std::string, bool, int, std::string> cases[] = {
+        {"/bacnetws", true, -1, ""},
+        {"/other/.bacnet", true, -1, ""},
+        {"/bacnetws/.bacnet", false, 50, "The path for service  \"read-property\" is not supported for that service"},
+        {"/bacnetws/.data", true, 50, "\".data\" is invalid path item"},
+        {"/bacnetws/.bacnet/x1", true, 49, "Addressing scope as \"x1\" is invalid"},
+        {"/bacnetws/.bacnet/65536", true, 49, "Addressing scope as \"65536\" is invalid"},
+        {dev + "4194304", true, 52, "dev-inst \"4194304" + dev22},
+        {dev + "99999999999", true, 52, "dev-inst \"99999999999" + dev22},
+        {dev + "12a", true, 3, "dev-inst \"12a\" is not a valid number"},
+        {dev + "+5", true, 3, "dev-inst \"+5\" is not a valid number"},
+        {dev + "-5", true, 3, "dev-inst \"-5\" is not a valid number"},
+        {dev + "0012", true, 3, "dev-inst \"0012\" is not a valid number"},
+        {dev + "1 2", true, 3, "dev-inst \"1 2\" is not a valid number"},
+        {dev + "1,00", true, 3, "dev-inst \"1,00\" is not a valid number"},
+        {dev + "1/analog-value", true, 49, "object-identifier as \"analog-value\" is invalid syntax"},
+        {dev + "1/analog-value,1,2", true, 49, "object-identifier as \"analog-value,1,2\" is invalid syntax"},
+        {dev + "1/1024,1", true, 52, "object-type as number 1024 is out of range"},
+        {dev + "1/colour,1", true, 50, "object-type as name \"colour\" does not exist or not supported"},
+        {dev + "1/analog-v%C3%A4lue,1", true, 50, "object-type as name \"analog-v\xC3\xA4lue\" does not exist"},
+        {dev + "1/analog-value,4194304", true, 52, "object-inst \"4194304" + dev22},
+        {dev + "1/analog-value,x", true, 3, "object-inst \"x\" is not a valid number"},
+        {av + "no-such", true, 3, "property-id \"no-such\" is invalid property name"},
+        {av + "16777215", true, 52, "property-id \"16777215\" is out of range"},
+        {dev + "1/file,1/.contents", true, 50, "\".contents\" is not supported for objects of type \"file\""},
+        {av + ".contents", true, 39, "property as path item \"/.contents\" is only valid with object type \"file\""},
+        {av + "priority-array/.history", true, 50, "\".history\" is not supported"},
+        {av + "priority-array/x", true, 49, "array index \"x\" is not a positive integer"},
+        {av + "priority-array/4294967295", true, 49, "array index \"4294967295\" is not a positive integer"},
+        {av + "priority-array/1/x", true, 50, "\"x\" and all path items after (if any) are unexpeced"},
+        {av + "present-value/1", true, 50, "property \"present-value\" is not an array, therefore array index \"1\" is"},
+        {dev + "1/analog-value,1?alt=plain", true, 27, plain},
+        {dev + "1/device,1/object-list?alt=plain", true, 27, plain},
+        {av + "priority-array?alt=plain", true, 27, plain},
+        {dev + "1/device,1/device-address-binding?alt=plain", true, 27, plain},
+        {dev + "1?depth=0", true, 52, depth + "0 is invalid. A zeror value for depth is meaningless, would cause no"},
+        {dev + "1?depth=-2", true, 52, depth + "-2 is invalid. Negative values other than -1 (referring to infinite"},
+        {dev + "1/analog-value,1?depth=2", true, 52, depth + "2" + tooDeep},
+        {dev + "1?depth=2147483647", true, 52, depth + "2147483647" + tooDeep},
+        {av + "present-value?947-srv=write-property", true, 8,
          "\"Invalid or not supported service ( parameter \"947-srv\") \"write-property\" specified"},
-        {av + "present-value?depth=abc", RPM, 3, "Syntax error"},
-        {av + "present-value?depth=2147483648", RPM, 3, "Syntax error"},
-        {"/bacnetws/.bacnet/%zz", RPM, 3, "Bad URI syntax"},
+        {av + "present-value?depth=abc", true, 3, "Syntax error"},
+        {av + "present-value?depth=2147483648", true, 3, "Syntax error"},
+        {"/bacnetws/.bacnet/%zz", true, 3, "Bad URI syntax"},
     };
-    for (const Case& c : cases) {
-        const Parsed p = parse(c.uri, c.service);
-        EXPECT_FALSE(p.ok) << c.uri;
-        EXPECT_EQ(p.error.getWsErrorCode(), c.code) << c.uri << ": " << p.error.getWsErrorText();
-        EXPECT_EQ(p.error.getWsErrorText().rfind(c.message, 0), 0u)
-            << c.uri << ": " << p.error.getWsErrorText();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::get<0>(c));
+        const Parsed p = parse(std::get<0>(c), std::get<1>(c) ? RPM : RP);
+        EXPECT_FALSE(p.ok);
+        EXPECT_EQ(p.error.getWsErrorCode(), std::get<2>(c)) << p.error.getWsErrorText();
+        EXPECT_EQ(p.error.getWsErrorText().rfind(std::get<3>(c), 0), 0u) << p.error.getWsErrorText();
     }
 }
 

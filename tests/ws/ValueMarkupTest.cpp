@@ -55,69 +55,46 @@ constexpr auto kTimeStamp = static_cast<BN::BACnetDataType>(1280);
 
 TEST(ValueMarkup, AnyRendersThroughTheCatalogue) {
     TQTest::Catalogue::open();
-    const struct {
-        const char* what;
-        BN::DataType::ANY value;
-        const char* expected;
-    } cases[] = {
-        {"priority array as one list",
-         any(kPriorityArray, BN::BACNET_DTS_ARRAY, {0x00, 0x44, 0x41, 0xAC, 0, 0, 0x91, 1}),
+    const auto A = BN::BACNET_DTS_ARRAY, S = BN::BACNET_DTS_SINGLE_VALUE;
+    const std::string protocolError = "{\"error-class\":\"property\",\"error-code\":\"unknown-property\"}";
+    // clang-format off
+    const struct { const char* what; BN::DataType::ANY value; std::string expected; } cases[] = {
+        {"priority array as one list", any(kPriorityArray, A, {0x00, 0x44, 0x41, 0xAC, 0, 0, 0x91, 1}),
          "{\"v\":{\"1\":{\"null\":\"NULL\"},\"2\":{\"real\":21.5},\"3\":{\"enumerated\":\"1\"}}}"},
-        {"array element by element", any(kTimeStamp, BN::BACNET_DTS_ARRAY, {0x19, 5, 0x19, 6}),
-         "{\"v\":{\"1\":{\"sequence-number\":5},\"2\":{\"sequence-number\":6}}}"},
-        {"a list", any(kTimeStamp, BN::BACNET_DTS_LIST, {0x19, 5}),
-         "{\"v\":{\"1\":{\"sequence-number\":5}}}"},
-        {"single value", any(BN::BACNET_DT_ERROR, BN::BACNET_DTS_SINGLE_VALUE, {0x91, 2, 0x91, 32}),
-         "{\"v\":{\"error-class\":\"property\",\"error-code\":\"unknown-property\"}}"},
-        {"left-over values are marked",
-         any(BN::BACNET_DT_ERROR, BN::BACNET_DTS_SINGLE_VALUE, {0x91, 2, 0x91, 32, 0x21, 1}),
-         "{\"v\":{\"error-class\":\"property\",\"error-code\":\"unknown-property\"},\"truncated\":"
-         "\"truncated\"}"},
-        {"a mismatch is shown and the rest marked", any(kTimeStamp, BN::BACNET_DTS_ARRAY, {0x19, 5, 0x21, 1}),
+        {"array element by element", any(kTimeStamp, A, {0x19, 5, 0x19, 6}), "{\"v\":{\"1\":{\"sequence-number\":5},\"2\":{\"sequence-number\":6}}}"},
+        {"a list", any(kTimeStamp, BN::BACNET_DTS_LIST, {0x19, 5}), "{\"v\":{\"1\":{\"sequence-number\":5}}}"},
+        {"single value", any(BN::BACNET_DT_ERROR, S, {0x91, 2, 0x91, 32}), "{\"v\":" + protocolError + "}"},
+        {"left-over values are marked", any(BN::BACNET_DT_ERROR, S, {0x91, 2, 0x91, 32, 0x21, 1}),
+         "{\"v\":" + protocolError + ",\"truncated\":\"truncated\"}"},
+        {"a mismatch is shown and the rest marked", any(kTimeStamp, A, {0x19, 5, 0x21, 1}),
          "{\"v\":{\"1\":{\"sequence-number\":5},\"2\":{},\"truncated\":\"truncated\"}}"},
-        {"unknown type", any(static_cast<BN::BACnetDataType>(2999), BN::BACNET_DTS_SINGLE_VALUE, {0x21, 1}),
-         "{\"v\":\"truncated\"}"},
-        {"bytes that do not decode render nothing",
-         any(BN::BACNET_DT_ERROR, BN::BACNET_DTS_SINGLE_VALUE, {0x91}), "{}"},
+        {"unknown type", any(static_cast<BN::BACnetDataType>(2999), S, {0x21, 1}), "{\"v\":\"truncated\"}"},
+        {"bytes that do not decode render nothing", any(BN::BACNET_DT_ERROR, S, {0x91}), "{}"},
     };
+    // clang-format on
     for (const auto& c : cases)
         EXPECT_EQ(json([&c](MF& f) { c.value.markup(f, "v", false, false, -1); }), c.expected) << c.what;
 }
 
 TEST(ValueMarkup, ErrorsAndDescriptors) {
     TQTest::Catalogue::open();
-    const struct {
-        const char* what;
-        Writer write;
-        const char* expected;
-    } cases[] = {
-        {"error by the catalogue's names",
-         [](MF& f) {
-             BN::DataError(ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY)
-                 .markup(f, "err", "ab", "rj", false);
-         },
+    const auto error = [](unsigned errorClass, unsigned code) -> Writer {
+        return [=](MF& f) { BN::DataError(static_cast<BACNET_ERROR_CLASS>(errorClass), static_cast<BACNET_ERROR_CODE>(code)).markup(f, "err", "ab", "rj", false); };
+    };
+    // clang-format off
+    const struct { const char* what; Writer write; const char* expected; } cases[] = {
+        {"error by the catalogue's names", error(ERROR_CLASS_PROPERTY, ERROR_CODE_UNKNOWN_PROPERTY),
          "{\"err\":{\"error-class\":\"property\",\"error-code\":\"unknown-property\"}}"},
-        {"abort reason",
-         [](MF& f) {
-             BN::DataError(BN::DataError::ABORT_CLASS, static_cast<BACNET_ERROR_CODE>(4))
-                 .markup(f, "err", "ab", "rj", false);
-         },
-         "{\"ab\":\"segmentation-not-supported\"}"},
-        {"reject reason",
-         [](MF& f) {
-             BN::DataError(BN::DataError::REJECT_CLASS, static_cast<BACNET_ERROR_CODE>(9))
-                 .markup(f, "err", "ab", "rj", false);
-         },
-         "{\"rj\":\"unrecognized-service\"}"},
+        {"abort reason", error(BN::DataError::ABORT_CLASS, 4), "{\"ab\":\"segmentation-not-supported\"}"},
+        {"reject reason", error(BN::DataError::REJECT_CLASS, 9), "{\"rj\":\"unrecognized-service\"}"},
         {"descriptor",
          [](MF& f) {
-             BN::DataPropertyInObject0(BN::BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL, BN::BACNET_DTS_ARRAY,
-                                       true, 3)
+             BN::DataPropertyInObject0(BN::BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL, BN::BACNET_DTS_ARRAY, true, 3)
                  .markup(f, "d", false, false, -1);
          },
-         "{\"d\":{\"datatype\":\"4\",\"tag\":\"4\",\"structure\":\"1\",\"empty-allowed\":true,\"managed-"
-         "internally\":3}}"},
+         "{\"d\":{\"datatype\":\"4\",\"tag\":\"4\",\"structure\":\"1\",\"empty-allowed\":true,\"managed-internally\":3}}"},
     };
+    // clang-format on
     for (const auto& c : cases) EXPECT_EQ(json(c.write), c.expected) << c.what;
 }
 

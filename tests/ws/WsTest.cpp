@@ -2,14 +2,14 @@
 #include "TQTestCatalogue.h"
 #include "TQ_BACnet/WS/Metadata.h"
 #include "TQ_BACnet/WS/MetadataValue.h"
+#include "WellFormed.h"
 
 #include <Poco/Exception.h>
-#include <Poco/InflatingStream.h>
-#include <Poco/StreamCopier.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 #include <sstream>
 
 using TQTest::RecordingFactory;
@@ -38,14 +38,6 @@ void writeDocument(MF& f) {
     for (int i = 1; i <= 200; ++i)
         f.markupNew(MF::BT_REAL, std::to_string(i), "21.5", MF::MF_COMPLETE, nullptr);
     f.closeAllOpenMarkups();
-}
-
-std::string inflate(const std::string& bytes, Poco::InflatingStreamBuf::StreamType type) {
-    std::istringstream in(bytes);
-    Poco::InflatingInputStream inflater(in, type);
-    std::string text;
-    Poco::StreamCopier::copyToString(inflater, text);
-    return text;
 }
 
 }  // namespace
@@ -272,7 +264,7 @@ TEST(MarkupFactoryHelpers, CompressedOutputInflatesToThePlainText) {
         f->flush();
         const std::string bytes = out.str();
         EXPECT_LT(bytes.size(), expected.size() / 4);
-        EXPECT_EQ(inflate(bytes, type.second), expected);
+        EXPECT_EQ(TQWsTest::inflate(bytes, type.second), expected);
         // Once the compressed stream is ended, later writes, flushes and the destructor (through
         // the base) add nothing.
         f->markupNew(MF::BT_REAL, "late", "1", MF::MF_COMPLETE, nullptr);
@@ -326,26 +318,19 @@ TEST(Metadata, CategoryBitsAndNames) {
     EXPECT_EQ(every.setCategories("cat-value,cat-extensions,cat-change,cat-mutability,cat-encoding,"
                                   "cat-restrictions,cat-doc,cat-ui,cat-links,cat-tags,cat-types,cat-all"),
               0xFFFu);
-    // Which metadata a category offers, for one category and for a selection.
-    EXPECT_TRUE(Metadata::isQueryOption(Metadata::METADATA_CAT_ENCODING, Metadata::METADATA_TYPE));
-    EXPECT_TRUE(Metadata::isQueryOption(Metadata::METADATA_CAT_TYPES, Metadata::METADATA_MEMBER_TYPE));
-    EXPECT_FALSE(Metadata::isQueryOption(Metadata::METADATA_CAT_ENCODING, Metadata::METADATA_DISPLAY_NAME));
-    EXPECT_TRUE(
-        Metadata::isQueryOption(Metadata::METADATA_CAT_VALUE, static_cast<Metadata::METADATA>(12345)));
-    EXPECT_THROW(
-        Metadata::isQueryOption(static_cast<Metadata::METADATA_CATEGORY>(30), Metadata::METADATA_TYPE),
-        Poco::NotFoundException);
-    EXPECT_FALSE(Metadata().isQueryOption(Metadata::METADATA_TYPE));
-    Metadata doc;
-    doc.setCategory(Metadata::METADATA_CAT_DOC, true);
-    EXPECT_TRUE(doc.isQueryOption(Metadata::METADATA_COMMENT));
-    EXPECT_TRUE(doc.isQueryOption(Metadata::METADATA_ERROR_TEXT));
-    EXPECT_FALSE(doc.isQueryOption(Metadata::METADATA_HREF));
-    doc.setCategory(Metadata::METADATA_CAT_LINKS, true);
-    EXPECT_TRUE(doc.isQueryOption(Metadata::METADATA_HREF));
-    EXPECT_TRUE(Metadata(0x1).isQueryOption(Metadata::METADATA_CONTEXT_TAG));
-    // A selected category the catalogue has no rows for offers nothing instead of failing.
-    EXPECT_FALSE(Metadata(0x80000000u).isQueryOption(Metadata::METADATA_TYPE));
+    // Which metadata a category offers, for one category and for a selection (a selected category
+    // the catalogue has no rows for offers nothing instead of failing).
+    using M = Metadata;
+    const std::tuple<M::METADATA_CATEGORY, M::METADATA, bool> single[] = {
+        {M::METADATA_CAT_ENCODING, M::METADATA_TYPE, true}, {M::METADATA_CAT_TYPES, M::METADATA_MEMBER_TYPE, true},
+        {M::METADATA_CAT_ENCODING, M::METADATA_DISPLAY_NAME, false}, {M::METADATA_CAT_VALUE, M::METADATA(12345), true}};
+    for (const auto& c : single) EXPECT_EQ(M::isQueryOption(std::get<0>(c), std::get<1>(c)), std::get<2>(c));
+    EXPECT_THROW(M::isQueryOption(M::METADATA_CATEGORY(30), M::METADATA_TYPE), Poco::NotFoundException);
+    const std::tuple<unsigned, M::METADATA, bool> selected[] = {
+        {0, M::METADATA_TYPE, false},           {0x40, M::METADATA_COMMENT, true},  {0x40, M::METADATA_ERROR_TEXT, true},
+        {0x40, M::METADATA_HREF, false},        {0x140, M::METADATA_HREF, true},    {0x1, M::METADATA_CONTEXT_TAG, true},
+        {0x80000000u, M::METADATA_TYPE, false}};
+    for (const auto& c : selected) EXPECT_EQ(M(std::get<0>(c)).isQueryOption(std::get<1>(c)), std::get<2>(c)) << std::get<0>(c);
 }
 
 TEST(MetadataValue, NameTextAndBoolean) {

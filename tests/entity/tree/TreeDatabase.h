@@ -7,6 +7,12 @@
 #include "TQ/Utility/Data/EmbeddedDatabase.h"
 #include "TQ/Utility/Data/PostgreSQLDatabase.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
+#include "TQ/Utility/Data/EntityServer.h"
+#include "TQ_BACnet/Entity/BnDevice.h"
+#include "TQ_BACnet/Entity/BnGw.h"
+#include "TQ_BACnet/ValueContainer.h"
+
+#include <Poco/Data/Statement.h>
 
 #include <Poco/Data/PostgreSQL/Connector.h>
 #include <Poco/Data/Session.h>
@@ -82,6 +88,37 @@ private:
     std::string _location;
     std::unique_ptr<TQ::Utility::Data::SmoDbSession> _db;
 };
+
+/// The single integer a statement on the process's session returns.
+inline int count(const std::string& sql) {
+    Poco::Int64 n = -1;
+    Poco::Data::Statement statement(TQ::Utility::Data::pDB->getSession());
+    statement << sql, Poco::Data::Keywords::into(n);
+    statement.execute();
+    return static_cast<int>(n);
+}
+
+inline TQ::BACnet::ValueContainer real(float value) {
+    TQ::BACnet::ValueContainer container;
+    container.setReal(value);
+    return container;
+}
+
+inline TQ::BACnet::ValueContainer text(const std::string& value) {
+    TQ::BACnet::ValueContainer container;
+    container.setCharString(value);
+    return container;
+}
+
+/// The key of a stored device (under a stored gateway) with no objects.
+inline int storeDevice() {
+    TQ::Utility::Data::EntityServer server;
+    TQ::BACnet::Entity::BnGw gw(true);
+    TQ::BACnet::Entity::BnDevice device(true);
+    gw.addDevice(device);
+    gw.updateAll(server, nullptr);
+    return gw.getDevices()->begin()->first;
+}
 
 }  // namespace TQTest
 

@@ -51,34 +51,15 @@ DataType::BACnetPropertyValue propertyValue(BACNET_PROPERTY_ID property, const V
                                          value, -1);
 }
 
-ValueContainer real(float value) {
-    ValueContainer container;
-    container.setReal(value);
-    return container;
-}
+using TQTest::count;
+using TQTest::real;
+using TQTest::storeDevice;
+using TQTest::text;
 
-ValueContainer text(const std::string& value) {
-    ValueContainer container;
-    container.setCharString(value);
-    return container;
-}
-
-int count(const std::string& sql) {
-    Poco::Int64 n = -1;
-    Poco::Data::Statement statement(pDB->getSession());
-    statement << sql, Poco::Data::Keywords::into(n);
-    statement.execute();
-    return static_cast<int>(n);
-}
-
-/// A stored device (under a stored gateway) with no objects.
-int storeDevice() {
-    EntityServer server;
-    BnGw gw(true);
-    BnDevice device(true);
-    gw.addDevice(device);
-    gw.updateAll(server, nullptr);
-    return gw.getDevices()->begin()->first;
+// The property identifiers stored under an object below the `below` class.
+int propertyIds(int object, BnDeviceObjectProperty::Optional below, std::vector<int>& listed) {
+    return BnDeviceObjectProperty::retrievePropertyIDs(static_cast<unsigned>(object), BnDeviceObjectProperty::OPTIONAL_NONE,
+                                                       below, listed);
 }
 
 TEST(PostgreSQLPlaceholders, NumberedOutsideQuotesAndComments) {
@@ -212,27 +193,20 @@ TEST_F(Tree, NavigationEdges) {
 }
 
 TEST_F(Tree, ApduGatewayFollowsTheBusType) {
-    struct Case {
-        int busType;  // -1: no bus row
-        bool apdu;
-    };
-    for (const Case& c : {Case{102, true}, Case{101, false}, Case{-1, false}}) {
+    // bus type (-1: no bus row), whether the gateway is an APDU gateway
+    for (const auto& c : {std::make_pair(102, true), std::make_pair(101, false), std::make_pair(-1, false)}) {
         BnGw gw(true);
-        if (c.busType >= 0) {
-            TQ::Peripherals::Entity::DvBus bus(true);
-            bus.setIdDvBusType(c.busType);
-            server().update(bus);
-            gw.setIdDvBus(bus.getPK());
-        } else {
-            gw.setIdDvBus(999999);
-        }
+        TQ::Peripherals::Entity::DvBus bus(true);
+        bus.setIdDvBusType(c.first);
+        if (c.first >= 0) server().update(bus);
+        gw.setIdDvBus(c.first >= 0 ? bus.getPK() : 999999);
         server().update(gw);
         BnGw read(false);
         server().setWhere(Names::ID_BN_GW + "=?");
         server().clearBinds();
         server().addBind(gw.getPK());
         ASSERT_EQ(server().retrieve(read), 1);
-        EXPECT_EQ(read.isApduGateway(), c.apdu) << c.busType;
+        EXPECT_EQ(read.isApduGateway(), c.second) << c.first;
     }
 }
 
@@ -274,14 +248,9 @@ TEST_F(Tree, StoredValuesReadBackTyped) {
     }
 
     std::vector<int> listed;
-    EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(read.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-              6);
+    EXPECT_EQ(propertyIds(read.getPK(), BnDeviceObjectProperty::OPTIONAL_ALL, listed), 6);
     EXPECT_EQ(listed.back(), -1);
-    EXPECT_EQ(BnDeviceObjectProperty::retrievePropertyIDs(read.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                          BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE,
-                                                          listed),
-              4)
+    EXPECT_EQ(propertyIds(read.getPK(), BnDeviceObjectProperty::OPTIONAL_REQUIRED_WRITABLE, listed), 4)
         << "description and update-interval are optional";
 }
 
@@ -293,10 +262,7 @@ TEST_F(Tree, StoredValueRowsEdges) {
     object.setBnDevice(&device);
     server().update(object);
     std::vector<int> listed{1, 2};
-    EXPECT_EQ(
-        BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                    BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-        0);
+    EXPECT_EQ(propertyIds(object.getPK(), BnDeviceObjectProperty::OPTIONAL_ALL, listed), 0);
     EXPECT_EQ(listed, std::vector<int>{-1});
 
     // A NULL value, a row whose catalogue row is gone, and the property list (never listed).
@@ -327,10 +293,7 @@ TEST_F(Tree, StoredValueRowsEdges) {
     value = "untouched";
     EXPECT_FALSE(BnDeviceObjectProperty::dbGetPropertyValue(999999, value));
     EXPECT_EQ(value, "untouched");
-    EXPECT_EQ(
-        BnDeviceObjectProperty::retrievePropertyIDs(object.getPK(), BnDeviceObjectProperty::OPTIONAL_NONE,
-                                                    BnDeviceObjectProperty::OPTIONAL_ALL, listed),
-        1);
+    EXPECT_EQ(propertyIds(object.getPK(), BnDeviceObjectProperty::OPTIONAL_ALL, listed), 1);
     EXPECT_EQ(listed, (std::vector<int>{PROP_PRESENT_VALUE, -1}));
 
     BnDeviceObject read(false);
