@@ -46,20 +46,32 @@ inline TQ::Utility::Data::SmoDbSession& sessionFor(TQ::Utility::Data::EntityServ
 /// look up too), `hit` is asked again since another thread may have loaded meanwhile, and then
 /// `load` runs against the database.
 template <typename Answer, typename Mutex, typename Hit, typename Load>
-Answer findCached(Mutex& mutex, TQ::Utility::Data::EntityServer* server, Hit&& hit, Load&& load) {
+#if defined(__GNUC__) || defined(__clang__)
+__attribute__((noinline, cold))
+#endif
+Answer loadCached(Mutex& mutex, TQ::Utility::Data::EntityServer* server, Hit& hit, Load& load) {
+    TQ::Utility::Data::SmoDbSession::Use use(sessionFor(server));
+    typename Mutex::ScopedLock lock(mutex);
+    if (const auto* found = hit()) return static_cast<Answer>(*found);
+    return withServer(server, load);
+}
+
+template <typename Answer, typename Mutex, typename Hit, typename Load>
+inline Answer findCached(Mutex& mutex, TQ::Utility::Data::EntityServer* server, Hit&& hit, Load&& load) {
     {
         typename Mutex::ScopedLock lock(mutex);
         if (const auto* found = hit()) return static_cast<Answer>(*found);
     }
-    TQ::Utility::Data::SmoDbSession::Use use(sessionFor(server));
-    typename Mutex::ScopedLock lock(mutex);
-    if (const auto* found = hit()) return static_cast<Answer>(*found);
-    return withServer(server, std::forward<Load>(load));
+    // Kept out of line: the hit above is all that a warm cache runs.
+    return loadCached<Answer>(mutex, server, hit, load);
 }
 
 /// The address of `key`'s value in `cache`, or null.
 template <typename Cache, typename Key>
-auto cachedIn(const Cache& cache, const Key& key) -> decltype(&cache.find(key)->second) {
+#if defined(__GNUC__) || defined(__clang__)
+__attribute__((always_inline))
+#endif
+inline auto cachedIn(const Cache& cache, const Key& key) -> decltype(&cache.find(key)->second) {
     const auto it = cache.find(key);
     return it == cache.end() ? nullptr : &it->second;
 }
