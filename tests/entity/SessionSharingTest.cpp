@@ -1,16 +1,21 @@
 // Request threads whose catalogue lookups miss their caches share the process's one session with
 // a writer that opens, commits and rolls back transactions: every lookup gets the catalogue's
-// answer, no statement fails, and the writer's rollbacks undo only its own rows. On SQLite and,
+// answer, no statement fails, and the writer's rollbacks undo only its own rows, never a value
+// another thread updated meanwhile (without the session's lock they did). On SQLite and,
 // with TQ_TEST_BACKEND=postgresql, on the throwaway PostgreSQL server.
 #include "tree/TreeDatabase.h"
 
 #include "TQ_BACnet/DataPropertyInObject0.h"
 #include "TQ_BACnet/Entity/BnDataType.h"
 #include "TQ_BACnet/Entity/BnDataTypeEnum.h"
+#include "TQ_BACnet/Entity/BnDeviceObjectProperty.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <numeric>
+#include <random>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -72,16 +77,39 @@ TEST(SessionSharing, ColdLookupsAndTransactionsShareOneSession) {
     std::vector<std::thread> readers;
     for (int r = 0; r < kReaders; ++r)
         readers.emplace_back([&, r] {
-            // Each reader walks the whole list from its own start, so that misses meet.
-            for (std::size_t i = 0; i < all.size(); ++i) {
+            // Each reader walks the whole list in an order of its own, so that misses of
+            // different caches (each with a lock of its own) meet.
+            std::vector<std::size_t> order(all.size());
+            std::iota(order.begin(), order.end(), 0);
+            std::shuffle(order.begin(), order.end(), std::mt19937(unsigned(r)));
+            for (std::size_t i : order) {
                 try {
-                    if (!all[(i + r * all.size() / kReaders) % all.size()].matches()) ++wrong;
+                    if (!all[i].matches()) ++wrong;
                 } catch (const Poco::Exception& e) {
                     if (failed++ == 0) ADD_FAILURE() << e.displayText();
                 }
             }
             --readersLeft;
         });
+    // A value updated beside the writer's brackets is never undone by its rollbacks.
+    db.getSession() << "INSERT INTO bn_device_object_property (id_bn_property_type, id_bn_device_object, value) "
+                       "VALUES (85, 1, '0')",
+        now;
+    int row = -1;
+    db.getSession() << "SELECT MAX(id_bn_device_object_property) FROM bn_device_object_property", into(row), now;
+    std::atomic<int> undone{0};
+    std::thread updater([&] {
+        for (int n = 1; readersLeft > 0; ++n) {
+            std::string back;
+            try {
+                Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, std::to_string(n), nullptr);
+                if (!Entity::BnDeviceObjectProperty::dbGetPropertyValue(row, back) || back != std::to_string(n))
+                    ++undone;
+            } catch (const Poco::Exception& e) {
+                if (failed++ == 0) ADD_FAILURE() << "updater: " << e.displayText();
+            }
+        }
+    });
     int committed = 0;
     for (int n = 0; readersLeft > 0 || n < 20; ++n) {
         try {
@@ -99,6 +127,8 @@ TEST(SessionSharing, ColdLookupsAndTransactionsShareOneSession) {
         }
     }
     for (std::thread& t : readers) t.join();
+    updater.join();
+    EXPECT_EQ(undone.load(), 0);
     EXPECT_EQ(wrong.load(), 0);
     EXPECT_EQ(failed.load(), 0);
     int rows = -1;
