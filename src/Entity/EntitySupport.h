@@ -71,8 +71,8 @@ template <typename Cache, typename Key>
 #if defined(__GNUC__) || defined(__clang__)
 __attribute__((always_inline))
 #endif
-inline auto cachedIn(const Cache& cache, const Key& key) -> decltype(&cache.find(key)->second) {
-    const auto it = cache.find(key);
+inline auto cachedIn(Cache& cache, const Key& key) -> decltype(&cache.find(key)->second) {
+    auto it = cache.find(key);
     return it == cache.end() ? nullptr : &it->second;
 }
 
