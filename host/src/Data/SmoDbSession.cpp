@@ -28,7 +28,10 @@ void SmoDbSession::revive() {
     } catch (const Poco::Exception&) {
         // The connection is gone; a failure to connect goes to the caller and leaves the
         // session suspect, to be tried again by the next one.
-        _session.reconnect();
+        if (_reconnect)
+            _reconnect(_session);
+        else
+            _session.reconnect();
         ++_connection;
     }
     _suspect = false;

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -66,6 +67,9 @@ public:
     /// Counts the times the session was connected again: statements prepared before then
     /// belong to the old connection.
     unsigned getConnection() const noexcept { return _connection; }
+    /// How a lost connection is made again (throwing when it cannot be); without one, Poco's
+    /// `Session::reconnect`.
+    void setReconnect(std::function<void(Poco::Data::Session&)> reconnect) { _reconnect = std::move(reconnect); }
 
 private:
     void revive();
@@ -73,6 +77,7 @@ private:
 
     Poco::Data::Session _session;
     std::string _generatedKeyQuery;
+    std::function<void(Poco::Data::Session&)> _reconnect;
     std::recursive_mutex _mutex;
     unsigned _depth = 0;
     bool _suspect = false;
