@@ -160,17 +160,25 @@ bool DataPropertyInObject0::lookUp(BACNET_OBJECT_TYPE objectType, BACNET_PROPERT
     using Poco::Data::Keywords::use;
 
     const Poco::UInt64 key = cacheKey(objectType, propertyId);
-    Poco::FastMutex::ScopedLock lock(_mutexPropertiesInObjects);
-    auto cached = _propertiesInObjects.find(key);
-    if (cached != _propertiesInObjects.end()) {
-        out = cached->second;
+    const auto cached = [&]() {
+        auto it = _propertiesInObjects.find(key);
+        if (it == _propertiesInObjects.end()) return false;
+        out = it->second;
         lastAnswer = {key, out};
         return true;
+    };
+    {
+        Poco::FastMutex::ScopedLock lock(_mutexPropertiesInObjects);
+        if (cached()) return true;
     }
-
     if (!TQ::Utility::Data::pDB)
         throw Poco::NullPointerException(
             "DataPropertyInObject0::getValueTypeAndStructure(): no database session");
+    // The session before the cache's lock, as every lookup takes them; then asked again, as
+    // another thread may have loaded meanwhile.
+    TQ::Utility::Data::SmoDbSession::Use session(*TQ::Utility::Data::pDB);
+    Poco::FastMutex::ScopedLock lock(_mutexPropertiesInObjects);
+    if (cached()) return true;
     unsigned int type = objectType;
     unsigned int property = propertyId;
     int datatype = -1;

@@ -23,15 +23,23 @@ namespace Gateway {
 
 using namespace Poco::Data::Keywords;
 using TQ::Utility::Data::pDB;
+// Every database call below holds the session, so that the catalogue lookups of the request
+// threads never meet it half-way; inside the try, so that a failure marks it for checking.
+using Session = TQ::Utility::Data::SmoDbSession::Use;
 
 namespace {
 
-// The prepared update statement of the stored values: the library prepares the first statement
-// object it is given and keeps its bound values for the process, so one statement serves the
-// first store made; a later store of the same process (tests) updates without it.
+// The prepared update statement of the stored values: the library prepares a statement object
+// on its first use and keeps its bound values, so one statement serves the first store made; a
+// later store of the same process (tests) updates without it. A statement that failed (its state
+// is then unusable) or belongs to a lost connection is retired, never destroyed (its connection
+// may be gone), and once an update without it succeeds a new one is made: one per outage.
 struct Prepared {
     std::unique_ptr<Poco::Data::Statement> statement;
+    std::vector<std::unique_ptr<Poco::Data::Statement>> retired;
     const void* owner = nullptr;
+    unsigned connection = 0;  ///< prepared on this connection of the session
+    bool failed = false;
 };
 Prepared& prepared() {
     // Never destroyed: at exit its session may be gone already.
@@ -48,8 +56,10 @@ Store::Store(const Config& config) {
     if (!prepared().statement) {
         prepared().statement = std::make_unique<Poco::Data::Statement>(_db->getSession());
         prepared().owner = this;
+        prepared().connection = _db->getConnection();
     }
     try {
+        Session use(*_db);
         loadIndex();
     } catch (const std::exception& e) {
         fail("reading the stored tree", e);
@@ -66,12 +76,18 @@ Store::~Store() {
 void Store::fail(const std::string& what, const std::exception& e) {
     const auto* poco = dynamic_cast<const Poco::Exception*>(&e);
     _lastError = "database: " + what + ": " + (poco ? poco->displayText() : std::string(e.what()));
+    ++_failures;
     std::cerr << _lastError << std::endl;
 }
 
 std::string Store::lastError() const {
     std::lock_guard<std::mutex> lock(_mutex);
     return _lastError;
+}
+
+unsigned Store::failures() const {
+    std::lock_guard<std::mutex> lock(_mutex);
+    return _failures;
 }
 
 void Store::loadIndex() {
@@ -104,6 +120,7 @@ void Store::loadIndex() {
 bool Store::storeDevice(uint32_t instance, const std::vector<FoundObject>& objects) {
     std::lock_guard<std::mutex> lock(_mutex);
     try {
+        Session use(*_db);
         Net::DeviceStore::storeDevice(*_db, instance, objects);
         loadIndex();
         // What discovery read is as fresh as any polled value.
@@ -151,8 +168,20 @@ bool Store::update(int row, const ValueContainer& value) {
     value.getText(text, false);
     std::lock_guard<std::mutex> lock(_mutex);
     try {
-        Poco::Data::Statement* statement = prepared().owner == this ? prepared().statement.get() : nullptr;
+        Session use(*_db);
+        Prepared& p = prepared();
+        const bool mine = p.owner == this;
+        Poco::Data::Statement* statement =
+            mine && !p.failed && p.connection == _db->getConnection() ? p.statement.get() : nullptr;
+        if (statement) p.failed = true;  // until it succeeds
         Entity::BnDeviceObjectProperty::dbUpdatePropertyValue(row, text, statement);
+        if (statement) p.failed = false;
+        if (mine && !statement) {
+            p.retired.push_back(std::move(p.statement));
+            p.statement = std::make_unique<Poco::Data::Statement>(_db->getSession());
+            p.connection = _db->getConnection();
+            p.failed = false;
+        }
         Written& w = _written[row];
         w.at = Clock::now();
         w.text = std::move(text);

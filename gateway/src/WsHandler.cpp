@@ -13,11 +13,13 @@
 #include "TQ_BACnet/WS/MarkupFactoryMaker.h"
 #include "TQ_BACnet/WS/UriParser.h"
 
+#include <Poco/Data/DataException.h>
 #include <Poco/Net/HTTPServerRequest.h>
 #include <Poco/Net/HTTPServerResponse.h>
 #include <Poco/StreamCopier.h>
 #include <Poco/URI.h>
 
+#include <iostream>
 #include <sstream>
 
 namespace TQ {
@@ -44,7 +46,7 @@ constexpr DataWsError::WS_ERROR_CODE kNotAuthenticated = 1, kNotAuthorized = 2, 
                                      kParamOutOfRange = 6, kDataNotFound = 9, kNotWritable = 15,
                                      kIndexOutOfRange = 14, kNotAnArray = 22, kDeviceNotReachable = 41,
                                      kBacnetError = 43, kBacnetReject = 44, kBacnetAbort = 45, kResources = 47,
-                                     kMethodNotAllowed = 51;
+                                     kMethodNotAllowed = 51, kNotReady = 38;
 
 // History is read in steps of this many records and merged.
 constexpr int32_t kHistoryStep = 50;
@@ -229,8 +231,13 @@ private:
         if (params.depth >= 2 && params.scope != ".local")
             return fail({kDataNotFound, "network " + params.scope + " is not served; use .local"});
         if (params.depth == 2 && Poco::URI(_request.getURI()).getRawQuery().find("discover=true") !=
-                                     std::string::npos)
+                                     std::string::npos) {
+            const unsigned failures = _gateway.store().failures();
             _gateway.discover();
+            // What was found and not stored would be lost at the next start: the client hears of it.
+            if (_gateway.store().failures() != failures)
+                return fail({kNotReady, "devices found but not stored: " + _gateway.store().lastError()});
+        }
         const int shown = params.getTruncateDepth(options.depth);
         const auto stored = _gateway.store().tree();
         std::vector<uint32_t> devices;
@@ -379,6 +386,10 @@ void WsHandler::handleRequest(HTTPServerRequest& request, HTTPServerResponse& re
             return r.fail({kResources, "more than " + std::to_string(c.maxHeaders) + " header fields",
                            HTTPResponse::HTTPStatus(431)});
         r.serve(_tokens.check(request.get("Authorization", "")));
+    } catch (const Poco::Data::DataException& e) {
+        // The database (a catalogue lookup that missed its cache) is away: a temporary state.
+        std::cerr << "database: " << request.getURI() << ": " << e.displayText() << std::endl;
+        if (!response.sent()) r.fail({kNotReady, "database: " + e.displayText()});
     } catch (const std::exception& e) {
         if (!response.sent()) {
             const auto* poco = dynamic_cast<const Poco::Exception*>(&e);

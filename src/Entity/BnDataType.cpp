@@ -57,10 +57,9 @@ std::string BnDataType::getName() const {
 }
 
 std::string BnDataType::find(BACnetDataType type, EntityServer* server) {
-    Poco::FastMutex::ScopedLock lock(_mutexTypes);
-    auto cached = _types.find(static_cast<int>(type));
-    if (cached != _types.end()) return cached->second;
-    return Detail::withServer(server, [type](EntityServer& s) { return retrieve(type, s); });
+    return Detail::findCached<std::string>(
+        _mutexTypes, server, [type] { return Detail::cachedIn(_types, static_cast<int>(type)); },
+        [type](EntityServer& s) { return retrieve(type, s); });
 }
 
 std::string BnDataType::retrieve(BACnetDataType type, EntityServer& server) {
@@ -76,10 +75,9 @@ std::string BnDataType::retrieve(BACnetDataType type, EntityServer& server) {
 }
 
 BACnetDataType BnDataType::findReverse(const std::string& name, EntityServer* server) {
-    Poco::FastMutex::ScopedLock lock(_mutexTypes);
-    auto cached = _typesReverse.find(name);
-    if (cached != _typesReverse.end()) return static_cast<BACnetDataType>(cached->second);
-    return Detail::withServer(server, [&name](EntityServer& s) { return retrieveReverse(name, s); });
+    return Detail::findCached<BACnetDataType>(
+        _mutexTypes, server, [&name] { return Detail::cachedIn(_typesReverse, name); },
+        [&name](EntityServer& s) { return retrieveReverse(name, s); });
 }
 
 BACnetDataType BnDataType::retrieveReverse(const std::string& name, EntityServer& server) {

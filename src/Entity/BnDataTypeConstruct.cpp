@@ -149,10 +149,9 @@ unsigned int BnDataTypeConstruct::getSort() const {
 }
 
 const BnDataTypeConstruct* BnDataTypeConstruct::find(BACnetDataType type, EntityServer* server) {
-    Poco::Mutex::ScopedLock lock(_mutexBdtc);
-    auto cached = _bdtc.find(static_cast<int>(type));
-    if (cached != _bdtc.end()) return cached->second;
-    return Detail::withServer(server, [type](EntityServer& s) { return retrieve(type, s); });
+    return Detail::findCached<const BnDataTypeConstruct*>(
+        _mutexBdtc, server, [type] { return Detail::cachedIn(_bdtc, static_cast<int>(type)); },
+        [type](EntityServer& s) { return retrieve(type, s); });
 }
 
 const BnDataTypeConstruct* BnDataTypeConstruct::retrieve(BACnetDataType type, EntityServer& server) {

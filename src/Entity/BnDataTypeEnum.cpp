@@ -97,10 +97,9 @@ void BnDataTypeEnum::remember(unsigned int idConstruct, unsigned int value, cons
 
 std::string BnDataTypeEnum::find(unsigned int idConstruct, unsigned int value, EntityServer* server) {
     idConstruct = alias(idConstruct);
-    Poco::FastMutex::ScopedLock lock(_mutexEnums);
-    auto cached = _enums.find(getHashKey(idConstruct, value));
-    if (cached != _enums.end()) return cached->second;
-    return Detail::withServer(server, [&](EntityServer& s) { return retrieve(idConstruct, value, s); });
+    return Detail::findCached<std::string>(
+        _mutexEnums, server, [&] { return Detail::cachedIn(_enums, getHashKey(idConstruct, value)); },
+        [&](EntityServer& s) { return retrieve(idConstruct, value, s); });
 }
 
 std::string BnDataTypeEnum::retrieve(unsigned int idConstruct, unsigned int value, EntityServer& server) {
@@ -118,10 +117,9 @@ std::string BnDataTypeEnum::retrieve(unsigned int idConstruct, unsigned int valu
 unsigned int BnDataTypeEnum::findReverse(unsigned int idConstruct, const std::string& name,
                                          EntityServer* server) {
     idConstruct = alias(idConstruct);
-    Poco::FastMutex::ScopedLock lock(_mutexEnums);
-    auto cached = _enumsReverse.find(getHashKeyReverse(idConstruct, name));
-    if (cached != _enumsReverse.end()) return cached->second;
-    return Detail::withServer(server, [&](EntityServer& s) { return retrieveReverse(idConstruct, name, s); });
+    return Detail::findCached<unsigned int>(
+        _mutexEnums, server, [&] { return Detail::cachedIn(_enumsReverse, getHashKeyReverse(idConstruct, name)); },
+        [&](EntityServer& s) { return retrieveReverse(idConstruct, name, s); });
 }
 
 unsigned int BnDataTypeEnum::retrieveReverse(unsigned int idConstruct, const std::string& name,
@@ -170,10 +168,9 @@ unsigned int BnDataTypeEnum::getEnumValueByType(BACnetDataType type, const std::
 
 int BnDataTypeEnum::getBitCount(unsigned int idConstruct, EntityServer* server) {
     idConstruct = alias(idConstruct);
-    Poco::FastMutex::ScopedLock lock(_mutexEnums);
-    auto cached = _bitCnt.find(idConstruct);
-    if (cached != _bitCnt.end()) return cached->second;
-    return Detail::withServer(server, [&](EntityServer& s) { return retrieveBitCount(idConstruct, s); });
+    return Detail::findCached<int>(
+        _mutexEnums, server, [&] { return Detail::cachedIn(_bitCnt, idConstruct); },
+        [&](EntityServer& s) { return retrieveBitCount(idConstruct, s); });
 }
 
 int BnDataTypeEnum::retrieveBitCount(unsigned int idConstruct, EntityServer& server) {

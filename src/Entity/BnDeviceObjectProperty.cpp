@@ -31,9 +31,9 @@ namespace {
 // The property list names the other properties; it is never listed as one of them.
 constexpr int kPropertyList = 371;
 
-Poco::Data::Session& globalSession(const char* what) {
+TQ::Utility::Data::SmoDbSession& globalSession(const char* what) {
     if (!pDB) throw Poco::NullPointerException(std::string(what) + ": no database session");
-    return pDB->getSession();
+    return *pDB;
 }
 
 }  // namespace
@@ -278,20 +278,21 @@ int BnDeviceObjectProperty::dbUpdatePropertyValue(int id, const std::string& val
     // The statement binds these by reference: each execution reads the current call's values.
     static std::string boundValue;
     static int boundId = 0;
-    static bool prepared = false;
+    static const Poco::Data::Statement* prepared = nullptr;
     static const std::string sql =
         "UPDATE bn_device_object_property SET value=? WHERE id_bn_device_object_property=?";
+    TQ::Utility::Data::SmoDbSession::Use session(globalSession("BnDeviceObjectProperty::dbUpdatePropertyValue()"));
     boundValue = value;
     boundId = id;
     if (!statement) {
-        Poco::Data::Statement temporary(globalSession("BnDeviceObjectProperty::dbUpdatePropertyValue()"));
+        Poco::Data::Statement temporary(pDB->getSession());
         temporary << sql, use(boundValue), use(boundId);
         temporary.execute();
         return 1;
     }
-    if (!prepared) {
+    if (prepared != statement) {
         *statement << sql, use(boundValue), use(boundId);
-        prepared = true;
+        prepared = statement;
     }
     statement->execute(true);
     return 1;
@@ -303,7 +304,8 @@ bool BnDeviceObjectProperty::dbGetPropertyValue(int id, std::string& value) {
     int key = id;
     int found = -1;
     std::string text;
-    Poco::Data::Statement statement(globalSession("BnDeviceObjectProperty::dbGetPropertyValue()"));
+    TQ::Utility::Data::SmoDbSession::Use session(globalSession("BnDeviceObjectProperty::dbGetPropertyValue()"));
+    Poco::Data::Statement statement(pDB->getSession());
     statement
         << "SELECT id_bn_device_object_property,IFNULL(value,'NULL') FROM bn_device_object_property WHERE "
            "id_bn_device_object_property=?",
@@ -329,7 +331,8 @@ int BnDeviceObjectProperty::retrievePropertyIDs(unsigned int idDeviceObject, Opt
     int lower = above;
     int upper = below;
     int object = static_cast<int>(idDeviceObject);
-    Poco::Data::Statement statement(globalSession("BnDeviceObjectProperty::retrievePropertyIDs()"));
+    TQ::Utility::Data::SmoDbSession::Use session(globalSession("BnDeviceObjectProperty::retrievePropertyIDs()"));
+    Poco::Data::Statement statement(pDB->getSession());
     statement << sql, use(lower), use(upper), use(object), into(propertyIds);
     statement.execute();
     propertyIds.push_back(-1);

@@ -44,11 +44,9 @@ std::string BnMarkupType::getName() const {
 }
 
 std::string BnMarkupType::find(int id, EntityServer* server) {
-    Poco::FastMutex::ScopedLock lock(_mutexTypes);
-    auto cached = _types.find(id);
-    if (cached != _types.end()) return cached->second;
-    Poco::Nullable<std::string> name = Detail::withServer(
-        server, [id](EntityServer& s) { return retrieve(static_cast<unsigned int>(id), s); });
+    Poco::Nullable<std::string> name = Detail::findCached<Poco::Nullable<std::string>>(
+        _mutexTypes, server, [id] { return Detail::cachedIn(_types, id); },
+        [id](EntityServer& s) { return retrieve(static_cast<unsigned int>(id), s); });
     if (name.isNull())
         throw Poco::NullValueException("BnMarkupType::find(): no markup type " + std::to_string(id) +
                                        " in database");
@@ -68,10 +66,9 @@ Poco::Nullable<std::string> BnMarkupType::retrieve(unsigned int id, EntityServer
 }
 
 Poco::Nullable<int> BnMarkupType::findReverse(const std::string& name, EntityServer* server) {
-    Poco::FastMutex::ScopedLock lock(_mutexTypes);
-    auto cached = _typesReverse.find(name);
-    if (cached != _typesReverse.end()) return Poco::Nullable<int>(cached->second);
-    return Detail::withServer(server, [&name](EntityServer& s) { return retrieveReverse(name, s); });
+    return Detail::findCached<Poco::Nullable<int>>(
+        _mutexTypes, server, [&name] { return Detail::cachedIn(_typesReverse, name); },
+        [&name](EntityServer& s) { return retrieveReverse(name, s); });
 }
 
 Poco::Nullable<int> BnMarkupType::retrieveReverse(const std::string& name, EntityServer& server) {

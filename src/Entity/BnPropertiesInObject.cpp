@@ -105,6 +105,7 @@ int BnPropertiesInObject::retrieve(BACNET_OBJECT_TYPE objectType, Optional above
     int type = static_cast<int>(objectType);
     int lower = above;
     int upper = below;
+    TQ::Utility::Data::SmoDbSession::Use session(*pDB);
     Poco::Data::Statement statement(pDB->getSession());
     statement << propertyListingSql(), use(type), use(lower), use(upper), into(propertyIds);
     statement.execute();

@@ -49,11 +49,9 @@ std::string BnWsError::getErrorText() const {
 }
 
 const BnWsError& BnWsError::find(WsErrorCode code, EntityServer* server) {
-    Poco::FastMutex::ScopedLock lock(_mutexWsErrors);
-    auto cached = _wsErrors.find(code);
-    if (cached != _wsErrors.end()) return cached->second;
-    return Detail::withServer(server,
-                              [code](EntityServer& s) -> const BnWsError& { return retrieve(code, s); });
+    return Detail::findCached<const BnWsError&>(
+        _mutexWsErrors, server, [code] { return Detail::cachedIn(_wsErrors, code); },
+        [code](EntityServer& s) -> const BnWsError& { return retrieve(code, s); });
 }
 
 const BnWsError& BnWsError::retrieve(WsErrorCode code, EntityServer& server) {

@@ -50,12 +50,9 @@ unsigned int BnWsMetadataQueryOptions::getMetadataEnumValue() const {
 
 const std::vector<unsigned int>& BnWsMetadataQueryOptions::find(MetadataCategory category,
                                                                 EntityServer* server) {
-    Poco::FastMutex::ScopedLock lock(_mutexEnt);
-    auto cached = _queryOptions.find(category);
-    if (cached != _queryOptions.end()) return cached->second;
-    return Detail::withServer(server, [category](EntityServer& s) -> const std::vector<unsigned int>& {
-        return retrieve(category, s);
-    });
+    return Detail::findCached<const std::vector<unsigned int>&>(
+        _mutexEnt, server, [category] { return Detail::cachedIn(_queryOptions, category); },
+        [category](EntityServer& s) -> const std::vector<unsigned int>& { return retrieve(category, s); });
 }
 
 const std::vector<unsigned int>& BnWsMetadataQueryOptions::retrieve(MetadataCategory category,
@@ -78,16 +75,16 @@ const std::vector<unsigned int>& BnWsMetadataQueryOptions::retrieve(MetadataCate
 bool BnWsMetadataQueryOptions::isMetadata(MetadataCategory category, Metadata metadata) {
     if (category == kCategoryAll) return true;
     // Checked under the lock: a reference into the cache may move once another thread loads.
-    Poco::FastMutex::ScopedLock lock(_mutexEnt);
-    auto cached = _queryOptions.find(category);
-    const std::vector<unsigned int>* items = nullptr;
-    if (cached != _queryOptions.end()) {
-        items = &cached->second;
-    } else {
-        EntityServer server(TQ::Utility::Data::pDB, nullptr, nullptr);
-        items = &retrieve(category, server);
-    }
-    return std::find(items->begin(), items->end(), metadata) != items->end();
+    const auto contains = [category, metadata]() -> const bool* {
+        static const bool yes = true, no = false;
+        const std::vector<unsigned int>* items = Detail::cachedIn(_queryOptions, category);
+        if (!items) return nullptr;
+        return std::find(items->begin(), items->end(), metadata) != items->end() ? &yes : &no;
+    };
+    return Detail::findCached<bool>(_mutexEnt, nullptr, contains, [&contains, category](EntityServer& s) {
+        retrieve(category, s);
+        return *contains();
+    });
 }
 
 void BnWsMetadataQueryOptions::printIt() const {

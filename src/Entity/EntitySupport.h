@@ -3,6 +3,10 @@
 #include "TQ/Utility/Data/EntityServer.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
 
+#include <Poco/Exception.h>
+
+#include <utility>
+
 // Static objects of the entity layer are built in two early waves, before any ordinary static
 // object of the library or its host: first the name constants, then the column lists and the
 // caches that refer to them. Without this a static object elsewhere that makes an entity could
@@ -27,6 +31,49 @@ auto withServer(TQ::Utility::Data::EntityServer* server, Work&& work) -> decltyp
     if (server) return work(*server);
     TQ::Utility::Data::EntityServer temporary(TQ::Utility::Data::pDB, nullptr, nullptr);
     return work(temporary);
+}
+
+/// The session a lookup with `server` (or without one: the process-wide session) runs on.
+inline TQ::Utility::Data::SmoDbSession& sessionFor(TQ::Utility::Data::EntityServer* server) {
+    if (server) return server->getDbSession();
+    if (!TQ::Utility::Data::pDB) throw Poco::NullPointerException("catalogue lookup: no database session");
+    return *TQ::Utility::Data::pDB;
+}
+
+/// A cached catalogue lookup. `hit` gives the cached answer's address or null, asked under the
+/// cache's `mutex`; a hit costs that lock only. On a miss the session is taken before the mutex
+/// again, the order every thread keeps (a thread in a transaction holds the session and may
+/// look up too), `hit` is asked again since another thread may have loaded meanwhile, and then
+/// `load` runs against the database.
+template <typename Answer, typename Mutex, typename Hit, typename Load>
+#if defined(__GNUC__) || defined(__clang__)
+__attribute__((noinline, cold))
+#endif
+Answer loadCached(Mutex& mutex, TQ::Utility::Data::EntityServer* server, Hit& hit, Load& load) {
+    TQ::Utility::Data::SmoDbSession::Use use(sessionFor(server));
+    typename Mutex::ScopedLock lock(mutex);
+    if (const auto* found = hit()) return static_cast<Answer>(*found);
+    return withServer(server, load);
+}
+
+template <typename Answer, typename Mutex, typename Hit, typename Load>
+inline Answer findCached(Mutex& mutex, TQ::Utility::Data::EntityServer* server, Hit&& hit, Load&& load) {
+    {
+        typename Mutex::ScopedLock lock(mutex);
+        if (const auto* found = hit()) return static_cast<Answer>(*found);
+    }
+    // Kept out of line: the hit above is all that a warm cache runs.
+    return loadCached<Answer>(mutex, server, hit, load);
+}
+
+/// The address of `key`'s value in `cache`, or null.
+template <typename Cache, typename Key>
+#if defined(__GNUC__) || defined(__clang__)
+__attribute__((always_inline))
+#endif
+inline auto cachedIn(Cache& cache, const Key& key) -> decltype(&cache.find(key)->second) {
+    auto it = cache.find(key);
+    return it == cache.end() ? nullptr : &it->second;
 }
 
 }  // namespace Detail

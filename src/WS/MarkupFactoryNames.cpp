@@ -33,11 +33,15 @@ void MarkupFactory::markupEnumOrBitStringValue(BACnetDataType type, int value, s
 
 void MarkupFactory::dbGetBnAdmDefName(BACnetDataType type, int value, std::string& result, std::string column,
                                       int level) {
-    Poco::FastMutex::ScopedLock lock(_mutexBnDataTypeValueName);
-    const auto cached = _bnDataTypeValueName.find(getBnDataTypeValueNameKey(type, value));
-    if (cached != _bnDataTypeValueName.end()) {
-        result = cached->second;
-        return;
+    const auto cached = [&]() {
+        const auto it = _bnDataTypeValueName.find(getBnDataTypeValueNameKey(type, value));
+        if (it == _bnDataTypeValueName.end()) return false;
+        result = it->second;
+        return true;
+    };
+    {
+        Poco::FastMutex::ScopedLock lock(_mutexBnDataTypeValueName);
+        if (cached()) return;
     }
     result.clear();
     std::string sql = "SELECT " + column + ", name FROM bn_adm_definition WHERE parent=";
@@ -49,6 +53,10 @@ void MarkupFactory::dbGetBnAdmDefName(BACnetDataType type, int value, std::strin
     sql += " AND " + column + " BETWEEN ? AND ?";
     try {
         if (TQ::Utility::Data::pDB == nullptr) throw Poco::NullPointerException("no database session");
+        // The session before the cache's lock, as every lookup takes them.
+        TQ::Utility::Data::SmoDbSession::Use session(*TQ::Utility::Data::pDB);
+        Poco::FastMutex::ScopedLock lock(_mutexBnDataTypeValueName);
+        if (cached()) return;
         unsigned int typeNumber = type;
         int low = value - 5;
         int high = value + 5;

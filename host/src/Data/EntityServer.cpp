@@ -37,9 +37,14 @@ bool isUnsignedInteger(const std::type_info& type) {
 
 }  // namespace
 
+SmoDbSession& EntityServer::sessionOf(SmoDbSession* session) {
+    if (!session) session = pDB;
+    if (!session) throw Poco::NullPointerException("EntityServer: no database session");
+    return *session;
+}
+
 EntityServer::EntityServer(SmoDbSession* session, const std::string* first, const std::string* where)
-    : _session(session ? session : pDB) {
-    if (!_session) throw Poco::NullPointerException("EntityServer: no database session");
+    : _session(&sessionOf(session)), _use(*_session) {
     if (first) _first = *first;
     if (where) _where = *where;
 }

@@ -5,6 +5,7 @@
 #include "TQ/Utility/Data/SqlScript.h"
 #include "TQ_Catalogue/CatalogueSql.h"
 
+#include <Poco/Data/DataException.h>
 #include <Poco/Data/PostgreSQL/Connector.h>
 #include <Poco/Data/PostgreSQL/PostgreSQLStatementImpl.h>
 #include <Poco/Data/PostgreSQL/SessionImpl.h>
@@ -99,6 +100,15 @@ std::unique_ptr<SmoDbSession> openPostgreSQLDatabase(const std::string& connecti
     auto db = std::make_unique<SmoDbSession>(session);
     // Per session: another process's inserts in between do not change it.
     db->setGeneratedKeyQuery("SELECT lastval()");
+    // libpq connects its connection object again in place; Poco's reconnect would leave the
+    // lost one behind.
+    db->setReconnect([](Poco::Data::Session& lost) {
+        auto& handle = dynamic_cast<Poco::Data::PostgreSQL::SessionImpl&>(*lost.impl()).handle();
+        if (handle.reset()) return;
+        const std::string why = handle.lastError();
+        throw Poco::Data::ConnectionFailedException("PostgreSQL: the connection is lost and cannot be made again" +
+                                                    (why.empty() ? std::string() : ": " + why));
+    });
     return db;
 }
 

@@ -11,7 +11,35 @@ namespace Data {
 
 SmoDbSession* pDB = nullptr;
 
+SmoDbSession::Use::Use(SmoDbSession& db)
+    : _db(db), _lock(db._mutex), _exceptions(std::uncaught_exceptions()) {
+    if (_db._suspect && _db._depth == 0) _db.revive();
+}
+
+SmoDbSession::Use::~Use() {
+    if (std::uncaught_exceptions() > _exceptions) _db._suspect = true;
+}
+
 SmoDbSession::SmoDbSession(const Poco::Data::Session& session) : _session(session) {}
+
+void SmoDbSession::revive() {
+    try {
+        _session << "SELECT 1", Poco::Data::Keywords::now;
+    } catch (const Poco::Exception&) {
+        // The connection is gone; a failure to connect goes to the caller and leaves the
+        // session suspect, to be tried again by the next one.
+        if (_reconnect)
+            _reconnect(_session);
+        else
+            _session.reconnect();
+        ++_connection;
+    }
+    _suspect = false;
+}
+
+void SmoDbSession::release(unsigned levels) noexcept {
+    while (levels-- > 0) _mutex.unlock();
+}
 
 SmoDbSession::~SmoDbSession() {
     // An unfinished bracket must not be committed by accident when the session closes.
@@ -22,7 +50,17 @@ SmoDbSession::~SmoDbSession() {
 }
 
 void SmoDbSession::begin(FILE* trace, int tag) {
-    if (_depth == 0) _session.begin();
+    // Each level holds the lock once; the bracket's end releases them all.
+    Use use(*this);
+    _mutex.lock();
+    if (_depth == 0) {
+        try {
+            _session.begin();
+        } catch (...) {
+            _mutex.unlock();
+            throw;
+        }
+    }
     ++_depth;
     if (trace) {
         std::fprintf(trace, "%s begin %d depth %u\n", LogHelper::timeStamp().c_str(), tag, _depth);
@@ -34,12 +72,14 @@ void SmoDbSession::commit(unsigned retries, int retryDelayMs, bool rollbackOnFai
     if (_depth == 0) throw Poco::IllegalStateException("SmoDbSession::commit() without begin()");
     if (_depth > 1) {
         --_depth;
+        release(1);
         return;
     }
     for (unsigned attempt = 0;; ++attempt) {
         try {
             _session.commit();
             _depth = 0;
+            release(1);
             return;
         } catch (Poco::Exception&) {
             if (attempt < retries) {
@@ -50,7 +90,7 @@ void SmoDbSession::commit(unsigned retries, int retryDelayMs, bool rollbackOnFai
                 try {
                     rollback();
                 } catch (...) {
-                    _depth = 0;
+                    // rollback closed the bracket and released its lock
                 }
             }
             throw;
@@ -60,8 +100,16 @@ void SmoDbSession::commit(unsigned retries, int retryDelayMs, bool rollbackOnFai
 
 void SmoDbSession::rollback() {
     if (_depth == 0) return;
+    const unsigned levels = _depth;
     _depth = 0;
-    _session.rollback();
+    try {
+        _session.rollback();
+    } catch (...) {
+        _suspect = true;
+        release(levels);
+        throw;
+    }
+    release(levels);
 }
 
 }  // namespace Data

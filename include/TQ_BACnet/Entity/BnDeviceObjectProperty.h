@@ -131,9 +131,9 @@ public:
                   std::vector<TQ::Utility::Data::DataAutoIncrement>* autoIncrements);
 
     /// Sets the value column of row `id`. With `statement` null a statement is made for this
-    /// call; otherwise `statement` is prepared on the first call and re-executed on every
-    /// later one, so the caller must pass the same statement object for the life of the
-    /// process, from one thread at a time. Returns 1.
+    /// call; otherwise `statement` is prepared on its first call and re-executed on every
+    /// later one, so the caller passes the same statement object again and keeps it alive
+    /// (a different object, e.g. one made after the first failed, is prepared anew). Returns 1.
     static int dbUpdatePropertyValue(int id, const std::string& value, Poco::Data::Statement* statement);
     /// The value text of row `id` ("NULL" for a NULL value); false, `value` untouched, when
     /// there is no such row.

@@ -28,7 +28,8 @@ struct Config;
 /// configured) and the values kept in it. Every database call is serialised here: the session
 /// and the prepared update statement belong to one thread at a time. A database that fails
 /// (read-only file, server gone) makes the calls that need it return false with `lastError`;
-/// the gateway goes on without it.
+/// the gateway goes on without it, and uses the database again once it is back (a lost
+/// connection is made again).
 class Store {
 public:
     using Clock = std::chrono::steady_clock;
@@ -58,6 +59,8 @@ public:
     std::map<uint32_t, std::vector<DataType::ObjectIdentifier>> tree() const;
     std::vector<DataType::ObjectIdentifier> objectsOf(uint32_t device) const;
     std::string lastError() const;
+    /// How many database calls failed so far: a caller compares it before and after its work.
+    unsigned failures() const;
 
 private:
     void loadIndex();
@@ -75,6 +78,7 @@ private:
     };
     std::unordered_map<int, Written> _written;
     std::string _lastError;
+    unsigned _failures = 0;
 };
 
 }  // namespace Gateway

@@ -22,7 +22,7 @@ namespace Data {
 /// A query context over a session: a where text, an order-by text and the values bound to the
 /// "?" placeholders of the where text, in order. It builds the SQL of an entity from the
 /// entity's column names and SQL fragments; every value reaches the database as a bound
-/// parameter, never as SQL text.
+/// parameter, never as SQL text. It holds the session (`SmoDbSession::Use`) for its lifetime.
 class EntityServer {
 public:
     /// A null `session` means the process-wide `pDB` (Poco::NullPointerException when that is
@@ -110,8 +110,10 @@ public:
 
 private:
     int select(const Entity& prototype, EntityRowReader::Sink sink);
+    static SmoDbSession& sessionOf(SmoDbSession* session);
 
     SmoDbSession* _session;
+    SmoDbSession::Use _use;
     std::string _first;
     std::string _where;
     std::string _orderBy;

@@ -3,6 +3,9 @@
 #include <Poco/Data/Session.h>
 
 #include <cstdio>
+#include <exception>
+#include <functional>
+#include <mutex>
 #include <string>
 
 namespace TQ {
@@ -11,9 +14,30 @@ namespace Data {
 
 /// The process's database session with a nestable transaction bracket. Nested `begin` calls
 /// only count; the outermost `commit` commits and any `rollback` undoes the whole bracket.
-/// Not thread-safe: a session is used by one thread at a time.
+///
+/// Threads share it through its lock: a database connection serves one statement at a time, so
+/// every statement, from its construction to its destruction, runs while its thread holds a
+/// `Use` of the session (an `EntityServer` holds one for its lifetime), and an open bracket holds
+/// the lock until it is closed, so that no other thread's statement lands in it. The lock is
+/// recursive. Whoever also holds a lock of their own (a cache's) takes the session first.
 class SmoDbSession {
 public:
+    /// Holds the session's lock for a scope. A session that a statement left by an exception
+    /// is checked when it is next taken, and connected again when the connection is gone (a
+    /// database server restarted); while it cannot be, taking it throws the connection error.
+    class Use {
+    public:
+        explicit Use(SmoDbSession& db);
+        ~Use();
+        Use(const Use&) = delete;
+        Use& operator=(const Use&) = delete;
+
+    private:
+        SmoDbSession& _db;
+        std::unique_lock<std::recursive_mutex> _lock;
+        int _exceptions;
+    };
+
     explicit SmoDbSession(const Poco::Data::Session& session);
     ~SmoDbSession();
     SmoDbSession(const SmoDbSession&) = delete;
@@ -40,10 +64,24 @@ public:
     void setGeneratedKeyQuery(const std::string& sql) { _generatedKeyQuery = sql; }
     const std::string& getGeneratedKeyQuery() const noexcept { return _generatedKeyQuery; }
 
+    /// Counts the times the session was connected again: statements prepared before then
+    /// belong to the old connection.
+    unsigned getConnection() const noexcept { return _connection; }
+    /// How a lost connection is made again (throwing when it cannot be); without one, Poco's
+    /// `Session::reconnect`.
+    void setReconnect(std::function<void(Poco::Data::Session&)> reconnect) { _reconnect = std::move(reconnect); }
+
 private:
+    void revive();
+    void release(unsigned levels) noexcept;
+
     Poco::Data::Session _session;
     std::string _generatedKeyQuery;
+    std::function<void(Poco::Data::Session&)> _reconnect;
+    std::recursive_mutex _mutex;
     unsigned _depth = 0;
+    bool _suspect = false;
+    unsigned _connection = 0;
 };
 
 /// The process-wide session; null until the host opens its database.
