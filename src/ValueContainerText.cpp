@@ -92,6 +92,18 @@ std::string& ValueContainer::getText(std::string& out, bool useNames) const {
     return out;
 }
 
+const DataApplicationValue* ValueContainer::primitives(std::size_t& count) const {
+    count = 0;
+    if (!isPrimitive() || getDataType() == BACNET_DT_NULL) return nullptr;
+    if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
+        count = 1;
+        return &single();
+    }
+    const auto& values = held<std::vector<DataApplicationValue>>();
+    count = values.size();
+    return values.data();
+}
+
 bool ValueContainer::setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG tag,
                                 const std::vector<std::string>& texts, bool emptyIsNull) {
     init();

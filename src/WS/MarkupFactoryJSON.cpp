@@ -1,6 +1,12 @@
 #include "TQ_BACnet/WS/MarkupFactoryJSON.h"
 
 #include "MarkupText.h"
+#include "TQ_BACnet/DataApplicationValue.h"
+
+#include "TQ_BACnet/Utility/FloatText.h"
+
+#include <charconv>
+#include <cmath>
 
 namespace TQ {
 namespace BACnet {
@@ -136,6 +142,66 @@ int MarkupFactoryJSON::descMarkup(BaseType baseType, const std::string& name, co
     if (complete) _line += '}';
     flushLine();
     return 0;
+}
+
+namespace {
+
+// An element's number: most arrays are short.
+char* elementNumber(char* p, std::size_t number) {
+    if (number < 10) {
+        *p = static_cast<char>('0' + number);
+        return p + 1;
+    }
+    if (number < 100) {
+        p[0] = static_cast<char>('0' + number / 10);
+        p[1] = static_cast<char>('0' + number % 10);
+        return p + 2;
+    }
+    return std::to_chars(p, p + 20, number).ptr;
+}
+
+}  // namespace
+
+// Compact and without metadata an element is `,"<number>":<value>` (no comma for the first
+// member): numbers are written straight from the values into a local buffer, which goes to the
+// stream in few pieces.
+std::size_t MarkupFactoryJSON::descElements(const DataApplicationValue* values, std::size_t count,
+                                           std::size_t firstNumber) {
+    if (_pretty || _quoteValues || _metadata.getCategories() != 0) return 0;
+    // An array marker on top would end before the first element: the general way does that.
+    if (!_openMarkups.empty() && _openMarkups.back().arrayMarker) return 0;
+    constexpr std::size_t kElementMax = 24 + MarkupText::kNumberTextMax;  // comma, number, quotes, value
+    char buffer[1024];
+    char* from = _first ? buffer + 1 : buffer;
+    char* p = buffer;
+    char* const full = buffer + sizeof buffer - kElementMax;
+    std::size_t done = 0;
+    for (; done < count; ++done) {
+        if (p > full) {
+            write(from, static_cast<std::size_t>(p - from));
+            from = p = buffer;
+        }
+        char* const start = p;
+        p[0] = ',';
+        p[1] = '"';
+        p = elementNumber(p + 2, firstNumber + done);
+        p[0] = '"';
+        p[1] = ':';
+        p += 2;
+        const DataApplicationValue& value = values[done];
+        // REALs, the commonest, without the dispatch on the tag.
+        char* const end = value.tag == BACNET_APPLICATION_TAG_REAL && !value.isNull() && std::isfinite(value.type.Real)
+                              ? Utility::floatText(value.type.Real, p)
+                              : MarkupText::numberText(value, p);
+        if (end == nullptr) {
+            p = start;
+            break;
+        }
+        p = end;
+    }
+    if (p > from) write(from, static_cast<std::size_t>(p - from));
+    if (done > 0) _first = false;
+    return done;
 }
 
 void MarkupFactoryJSON::flushLine() {

@@ -1,8 +1,14 @@
 #include "MarkupText.h"
 
+#include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/Utility/FloatText.h"
+
 #include <Poco/String.h>
 
+#include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace TQ {
 namespace BACnet {
@@ -177,6 +183,31 @@ bool isJsonScalar(const std::string& text) {
         while (digit(i)) ++i;
     }
     return i == n;
+}
+
+char* numberText(const DataApplicationValue& value, char* out) {
+    if (value.isNull()) return nullptr;
+    switch (value.getTag()) {
+        case BACNET_APPLICATION_TAG_BOOLEAN:
+            if (value.type.Boolean) {
+                std::memcpy(out, "true", 4);
+                return out + 4;
+            }
+            std::memcpy(out, "false", 5);
+            return out + 5;
+        case BACNET_APPLICATION_TAG_UNSIGNED_INT:
+            return std::to_chars(out, out + kNumberTextMax, value.type.Unsigned_Int).ptr;
+        case BACNET_APPLICATION_TAG_SIGNED_INT:
+            return std::to_chars(out, out + kNumberTextMax, value.type.Signed_Int).ptr;
+        case BACNET_APPLICATION_TAG_REAL:
+            return std::isfinite(value.type.Real) ? Utility::floatText(value.type.Real, out) : nullptr;
+        case BACNET_APPLICATION_TAG_DOUBLE:
+            return std::isfinite(value.type.Double)
+                       ? std::to_chars(out, out + kNumberTextMax, value.type.Double).ptr
+                       : nullptr;
+        default:
+            return nullptr;
+    }
 }
 
 bool isNumberOrBoolean(const std::string& text) {

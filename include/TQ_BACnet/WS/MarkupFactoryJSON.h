@@ -22,6 +22,8 @@ public:
                    const std::vector<MetadataValue>* metadata) override;
     void descCloseOpenMarkup(const std::string& baseTypeName, bool arrayMarker) override;
     void descStringEncode(std::string& text) override;
+    std::size_t descElements(const DataApplicationValue* values, std::size_t count,
+                             std::size_t firstNumber) override;
 
 private:
     void writeValue(BaseType baseType, const std::string& value, unsigned int flags);
