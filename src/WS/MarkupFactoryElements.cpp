@@ -13,6 +13,16 @@ std::size_t MarkupFactory::descElements(const DataApplicationValue*, std::size_t
     return 0;
 }
 
+bool MarkupFactory::descPrimitive(const DataApplicationValue&, const std::string&) {
+    return false;
+}
+
+bool MarkupFactory::markupPrimitive(const DataApplicationValue& value, const std::string& name) {
+    if (!descPrimitive(value, name)) return false;
+    ++_markupCount;
+    return true;
+}
+
 void MarkupFactory::markupElements(const DataApplicationValue* values, std::size_t count, BACnetDataType dataType,
                                    bool bitsAsBooleans, std::size_t firstNumber) {
     std::size_t done = 0;

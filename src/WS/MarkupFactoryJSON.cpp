@@ -7,6 +7,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 namespace TQ {
 namespace BACnet {
@@ -160,16 +161,57 @@ char* elementNumber(char* p, std::size_t number) {
     return std::to_chars(p, p + 20, number).ptr;
 }
 
+// The value of a number member; nullptr for a value that is not a JSON number or literal.
+char* numberValue(const DataApplicationValue& value, char* p) {
+    // REALs, the commonest, without the dispatch on the tag.
+    if (value.tag == BACNET_APPLICATION_TAG_REAL && !value.isNull() && std::isfinite(value.type.Real))
+        return Utility::floatText(value.type.Real, p);
+    return MarkupText::numberText(value, p);
+}
+
+// Names up to this length that need no escaping are copied as they are.
+constexpr std::size_t kPlainNameMax = 64;
+
+bool plainName(const std::string& name) {
+    if (name.empty() || name.size() > kPlainNameMax) return false;
+    for (const char c : name) {
+        const auto u = static_cast<unsigned char>(c);
+        if (u < 0x20 || u >= 0x80 || c == '"' || c == '\\') return false;
+    }
+    return true;
+}
+
 }  // namespace
+
+bool MarkupFactoryJSON::shortForm() const {
+    return !_pretty && !_quoteValues && _metadata.getCategories() == 0 &&
+           (_openMarkups.empty() || !_openMarkups.back().arrayMarker);
+}
+
+bool MarkupFactoryJSON::descPrimitive(const DataApplicationValue& value, const std::string& name) {
+    if (!shortForm() || !plainName(name)) return false;
+    char buffer[kPlainNameMax + 8 + MarkupText::kNumberTextMax];
+    char* const from = _first ? buffer + 1 : buffer;
+    char* p = buffer;
+    *p++ = ',';
+    *p++ = '"';
+    std::memcpy(p, name.data(), name.size());
+    p += name.size();
+    *p++ = '"';
+    *p++ = ':';
+    p = numberValue(value, p);
+    if (p == nullptr) return false;
+    write(from, static_cast<std::size_t>(p - from));
+    _first = false;
+    return true;
+}
 
 // Compact and without metadata an element is `,"<number>":<value>` (no comma for the first
 // member): numbers are written straight from the values into a local buffer, which goes to the
 // stream in few pieces.
 std::size_t MarkupFactoryJSON::descElements(const DataApplicationValue* values, std::size_t count,
                                            std::size_t firstNumber) {
-    if (_pretty || _quoteValues || _metadata.getCategories() != 0) return 0;
-    // An array marker on top would end before the first element: the general way does that.
-    if (!_openMarkups.empty() && _openMarkups.back().arrayMarker) return 0;
+    if (!shortForm()) return 0;
     constexpr std::size_t kElementMax = 24 + MarkupText::kNumberTextMax;  // comma, number, quotes, value
     char buffer[1024];
     char* from = _first ? buffer + 1 : buffer;
@@ -188,11 +230,7 @@ std::size_t MarkupFactoryJSON::descElements(const DataApplicationValue* values, 
         p[0] = '"';
         p[1] = ':';
         p += 2;
-        const DataApplicationValue& value = values[done];
-        // REALs, the commonest, without the dispatch on the tag.
-        char* const end = value.tag == BACNET_APPLICATION_TAG_REAL && !value.isNull() && std::isfinite(value.type.Real)
-                              ? Utility::floatText(value.type.Real, p)
-                              : MarkupText::numberText(value, p);
+        char* const end = numberValue(values[done], p);
         if (end == nullptr) {
             p = start;
             break;

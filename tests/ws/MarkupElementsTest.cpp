@@ -5,6 +5,7 @@
 #include "TQ_BACnet/WS/MarkupFactoryJSON.h"
 #include "TQ_BACnet/WS/MarkupFactoryMaker.h"
 
+#include <Poco/Exception.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -27,9 +28,23 @@ DataApplicationValue real(float v) {
     return value;
 }
 
+// The general way: the value's text, then one markup.
+void general(MF& f, const DataApplicationValue& value, const std::string& name) {
+    bool ok = false;
+    std::string text;
+    try {
+        text = value.getText(false, BACNET_DT_REAL, &ok, nullptr, true);
+    } catch (const Poco::Exception&) {
+    }
+    const auto type = static_cast<MF::BaseType>(value.isNull() ? 0u : unsigned(value.tag));
+    f.markupValue(type, name, ok ? text : "???", false, false, value.getContextTagAsString());
+}
+
+enum Way { GENERAL, VALUE, ELEMENTS };
+
 // Opens the array (after a sibling, or under an array marker of another kind, when asked),
-// writes the elements either way and closes everything.
-std::string render(const std::string& query, const Values& values, bool elements, int before) {
+// writes the elements one of the ways and closes everything.
+std::string render(const std::string& query, const Values& values, Way way, int before, bool oddNames) {
     WS::MarkupOptions options;
     options.parseOptionsFromQuery(query);
     std::ostringstream out;
@@ -38,11 +53,14 @@ std::string render(const std::string& query, const Values& values, bool elements
     if (before == 1) f->markupValue(MF::BT_UNSIGNED, "first", "7", false, false, "");
     if (before == 2) f->markupValue(MF::BT_STRING, "marked", "s", true, false, "");
     f->markupOpen(MF::BT_ARRAY, "present-value", false, false);
-    if (elements) {
-        f->markupElements(values.data(), values.size(), BACNET_DT_REAL, true);
-    } else {
-        for (std::size_t i = 0; i < values.size(); ++i)
-            values[i].markup(*f, std::to_string(i + 1), false, BACNET_DT_REAL, false, -1, true);
+    if (way == ELEMENTS) f->markupElements(values.data(), values.size(), BACNET_DT_REAL, true);
+    for (std::size_t i = 0; way != ELEMENTS && i < values.size(); ++i) {
+        // Member names that need escaping take the general way too.
+        const std::string name = oddNames && i % 3 == 2 ? "a\"b" : std::to_string(i + 1);
+        if (way == GENERAL)
+            general(*f, values[i], name);
+        else
+            values[i].markup(*f, name, false, BACNET_DT_REAL, false, -1, true);
     }
     const std::size_t markups = f->getMarkupCount();
     f->closeAllOpenMarkups();
@@ -70,6 +88,8 @@ TEST(MarkupElements, WriteWhatOneMarkupPerValueWrites) {
     numbers.emplace_back(BACNET_APPLICATION_TAG_CHARACTER_STRING, true);
     numbers.back().setCharString("say \"hi\"\n");
     numbers.push_back(real(22.25f));
+    numbers.back().context_specific = true;  // its context tag is metadata
+    numbers.back().context_tag = 3;
     // Past the short form's buffer, so that it writes in pieces.
     Values many;
     for (int i = 0; i < 300; ++i) many.push_back(real(static_cast<float>(i) * 0.37f));
@@ -78,6 +98,14 @@ TEST(MarkupElements, WriteWhatOneMarkupPerValueWrites) {
     for (const char* query : queries)
         for (std::size_t run = 0; run < runs.size(); ++run)
             for (int before = 0; before <= 2; ++before)
-                EXPECT_EQ(render(query, runs[run], false, before), render(query, runs[run], true, before))
-                    << "query \"" << query << "\", run " << run << ", before " << before;
+                for (const bool oddNames : {false, true}) {
+                    const std::string reference = render(query, runs[run], GENERAL, before, oddNames);
+                    const std::string where = std::string(query) + ", run " + std::to_string(run) + ", before " +
+                                              std::to_string(before) + (oddNames ? ", odd names" : "");
+                    EXPECT_EQ(reference, render(query, runs[run], VALUE, before, oddNames)) << where;
+                    // Elements are named by their numbers only.
+                    if (!oddNames) {
+                        EXPECT_EQ(reference, render(query, runs[run], ELEMENTS, before, false)) << where;
+                    }
+                }
 }

@@ -162,6 +162,8 @@ public:
     virtual int descMarkup(BaseType baseType, const std::string& name, const std::string& value,
                            unsigned int flags, const std::vector<MetadataValue>* metadata) = 0;
     virtual void descCloseOpenMarkup(const std::string& baseTypeName, bool arrayMarker) = 0;
+    /// The writer's short form of `markupPrimitive`: false when it has none.
+    virtual bool descPrimitive(const DataApplicationValue& value, const std::string& name);
     /// The writer's short form of complete elements named by their numbers: how many of
     /// `values` it wrote, from the first on (0: every one goes through `markupNew`).
     virtual std::size_t descElements(const DataApplicationValue* values, std::size_t count,
@@ -213,6 +215,11 @@ public:
     /// what `markup` writes for those arguments, without its argument list.
     void markupValue(BaseType baseType, const std::string& name, const std::string& value, bool arrayMarker,
                      bool root, const std::string& contextTag);
+
+    /// One complete primitive that is neither a root nor carries an array marker, through the
+    /// writer's short form when it has one for the value and its settings (what `markupValue`
+    /// would write, and counted the same); false, with nothing written, otherwise.
+    bool markupPrimitive(const DataApplicationValue& value, const std::string& name);
 
     /// Opens a markup whose children follow (a list, an array, a sequence), without metadata:
     /// what `markup` writes with an empty value and nothing else given, without its argument list.
