@@ -94,7 +94,7 @@ TEST(MarkupElements, WriteWhatOneMarkupPerValueWrites) {
     Values many;
     for (int i = 0; i < 300; ++i) many.push_back(real(static_cast<float>(i) * 0.37f));
     const std::vector<Values> runs = {{}, {real(21.5f)}, numbers, many};
-    const char* queries[] = {"alt=json", "alt=json&metadata=cat-all", "alt=json&random=1", "", "alt=plain"};
+    const char* queries[] = {"alt=json", "alt=json&metadata=cat-all", "alt=json&random=1", "", "metadata=cat-all", "alt=plain"};
     for (const char* query : queries)
         for (std::size_t run = 0; run < runs.size(); ++run)
             for (int before = 0; before <= 2; ++before)
