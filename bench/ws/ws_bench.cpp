@@ -1,5 +1,7 @@
-// Rendering costs: a ReadProperty result of 16 REALs to compact JSON in memory, the same value's
-// text, and a priority array through the catalogue walk. Instruction counts: bench/ws/measure.sh.
+// Rendering costs: a ReadProperty result of 16 REALs to compact JSON in memory (writer creation
+// included) as a run of elements and one markup per value, the same value's text, a priority
+// array through the catalogue walk and a trend log's buffer. Instruction counts:
+// bench/ws/measure.sh.
 #include "TQ/Utility/Data/EmbeddedDatabase.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
 #include "TQ_BACnet/DataApplicationValue.h"
