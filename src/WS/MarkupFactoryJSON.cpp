@@ -218,10 +218,14 @@ std::size_t MarkupFactoryJSON::descElements(const DataApplicationValue* values, 
     char* p = buffer;
     char* const full = buffer + sizeof buffer - kElementMax;
     std::size_t done = 0;
-    for (; done < count; ++done) {
-        if (p > full) {
-            write(from, static_cast<std::size_t>(p - from));
-            from = p = buffer;
+    std::size_t room = 0;  // elements that still fit for certain
+    for (; done < count; ++done, --room) {
+        if (room == 0) {
+            if (p > full) {
+                write(from, static_cast<std::size_t>(p - from));
+                from = p = buffer;
+            }
+            room = static_cast<std::size_t>(full - p) / kElementMax + 1;
         }
         char* const start = p;
         p[0] = ',';

@@ -337,8 +337,12 @@ public:
     bool shouldValueBeVisibleForBaseType(BaseType baseType) const;
 
     /// Indentation around a markup; `opening` is false when closing.
-    void formatBefore(bool opening);
-    void formatAfter();
+    void formatBefore(bool opening) {
+        if (_pretty) indent(opening);
+    }
+    void formatAfter() {
+        if (_pretty) endLine();
+    }
 
 protected:
     /// Writers print through these: straight into the stream's buffer, without a stream's
@@ -373,6 +377,8 @@ protected:
     bool _first = true;
 
 private:
+    void indent(bool opening);
+    void endLine();
     void popOpenMarkup();
     bool markupUnknownType(BACnetDataType type, const std::string& name, bool root);
     bool markupMismatch(const DataTypeAndName& member, ValueCursor cursor, unsigned int expected,
