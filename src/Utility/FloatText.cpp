@@ -96,26 +96,25 @@ char* floatText(float value, char* out) {
     // The value is mantissa * 2^-shift, shift 0..33 in this range; in quarters, two bits more.
     const uint64_t mantissa = fraction | 0x800000u;
     const unsigned shift = 152u - (bits >> 23);
-    const uint64_t scaled = (mantissa << 2) * kPow10[kMaxDecimals];
-    // What reads back as the value: within half a bit either side (a quarter below a power of
-    // two), the bounds themselves when the mantissa is even (ties to even).
-    const uint64_t inside = mantissa & 1u;
-    const uint64_t below = scaled - (fraction == 0 ? 1 : 2) * kPow10[kMaxDecimals] + inside;
-    const uint64_t width = scaled + 2 * kPow10[kMaxDecimals] - inside - below;
-
     // An integer needs no decimals: below 2^24 every integer is a float of its own.
     int decimals = 0;
     uint64_t digits;
     if ((mantissa & ((uint64_t(1) << (shift - 2)) - 1)) == 0) {
         digits = mantissa >> (shift - 2);
     } else {
+        const uint64_t scaled = (mantissa << 2) * kPow10[kMaxDecimals];
+        // What reads back as the value: within half a bit either side (a quarter below a power
+        // of two), the bounds themselves when the mantissa is even (ties to even).
+        const uint64_t inside = mantissa & 1u;
+        const uint64_t below = scaled - (fraction == 0 ? 1 : 2) * kPow10[kMaxDecimals] + inside;
+        const uint64_t width = (fraction == 0 ? 3 : 4) * kPow10[kMaxDecimals] - 2 * inside;
         for (decimals = 1;; ++decimals) {
-            if (decimals > kMaxDecimals) return general(value, out);
             const uint64_t unit = kPow10[kMaxDecimals - decimals] << shift;
             digits = scaled / unit;
             const uint64_t rest = scaled - digits * unit;
             if (2 * rest > unit || (2 * rest == unit && (digits & 1u))) ++digits;  // ties to even, as there
             if (digits * unit - below <= width) break;
+            if (decimals == kMaxDecimals) return general(value, out);
         }
     }
 

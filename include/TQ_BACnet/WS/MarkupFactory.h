@@ -321,7 +321,9 @@ public:
     // --- helpers -----------------------------------------------------------------------------
 
     /// The base type's name; empty for an invalid one.
-    static const std::string& getBaseTypeName(BaseType baseType);
+    static const std::string& getBaseTypeName(BaseType baseType) {
+        return baseType < BT_MAX ? _bts[baseType] : _noBaseTypeName;
+    }
     /// Whether the value can be written as a bare number: Boolean to Double, and an Enumerated
     /// given as a number.
     static bool isNumeric(BaseType baseType, const std::string& value);
@@ -400,6 +402,7 @@ private:
     static Poco::FastMutex _mutexBnDataTypeValueName;
 
     static const std::array<std::string, BT_MAX> _bts;
+    static const std::string _noBaseTypeName;
 };
 
 }  // namespace WS
