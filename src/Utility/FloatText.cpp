@@ -93,7 +93,8 @@ char* floatText(float value, char* out) {
     // 0x3A83126F is 1e-3f and 0x4B189680 is 1e7f: positive floats order as their bits do.
     if (bits < 0x3A83126Fu || bits >= 0x4B189680u) return general(value, out);  // zero, NaN and infinities too
     const uint32_t fraction = bits & 0x7FFFFFu;
-    // The value is mantissa * 2^-shift, shift 0..33 in this range; in quarters, two bits more.
+    // The value is mantissa * 2^-(shift - 2), shift - 2 from 0 to 33 in this range; `shift`
+    // itself counts in quarters of the last bit.
     const uint64_t mantissa = fraction | 0x800000u;
     const unsigned shift = 152u - (bits >> 23);
     // An integer needs no decimals: below 2^24 every integer is a float of its own.
