@@ -9,6 +9,9 @@ namespace BACnet {
 void DataApplicationValue::markup(WS::MarkupFactory& factory, const std::string& name, bool arrayMarker,
                                   BACnetDataType dataType, bool root, int /*level*/,
                                   bool bitsAsBooleans) const {
+    // Numbers take the writer's short form where it has one; the rest, and every markup with
+    // metadata, the general way.
+    if (!arrayMarker && !root && factory.markupPrimitive(*this, name)) return;
     bool ok = false;
     std::string text;
     try {

@@ -64,29 +64,44 @@ std::string& ValueContainer::getText(std::string& out, bool useNames) const {
         out.clear();
         const auto& values = held<std::vector<DataApplicationValue>>();
         // REALs, the commonest arrays, are written into a local buffer that is appended in
-        // pieces: no string per value.
+        // pieces: no string per value. Every value is followed by a separator; the last one is
+        // taken back at the end.
         char buffer[512];
         char* p = buffer;
-        for (size_t i = 0; i < values.size(); ++i) {
-            if (p + Utility::kFloatTextMax + 1 > buffer + sizeof buffer) {
+        char* const full = buffer + sizeof buffer - Utility::kFloatTextMax - 1;
+        for (const DataApplicationValue& value : values) {
+            if (p > full) {
                 out.append(buffer, static_cast<size_t>(p - buffer));
                 p = buffer;
             }
-            if (i) *p++ = VALUE_SEPARATOR;
-            if (values[i].getTag() == BACNET_APPLICATION_TAG_REAL && !values[i].isNull()) {
-                p = Utility::floatText(values[i].type.Real, p);
+            if (value.getTag() == BACNET_APPLICATION_TAG_REAL && !value.isNull()) {
+                p = Utility::floatText(value.type.Real, p);
             } else {
                 out.append(buffer, static_cast<size_t>(p - buffer));
                 p = buffer;
-                out += textOf(values[i]);
+                out += textOf(value);
             }
+            *p++ = VALUE_SEPARATOR;
         }
+        if (p != buffer) --p;
         out.append(buffer, static_cast<size_t>(p - buffer));
         return out;
     }
     TQ::Utility::OctetBuffer bytes;
     if (encode2(bytes) > 0) bytes.getHexString(out, true);
     return out;
+}
+
+const DataApplicationValue* ValueContainer::primitives(std::size_t& count) const {
+    count = 0;
+    if (!isPrimitive() || getDataType() == BACNET_DT_NULL) return nullptr;
+    if (getStructure() == BACNET_DTS_SINGLE_VALUE) {
+        count = 1;
+        return &single();
+    }
+    const auto& values = held<std::vector<DataApplicationValue>>();
+    count = values.size();
+    return values.data();
 }
 
 bool ValueContainer::setStrings(BACnetDataType dataType, BACNET_APPLICATION_TAG tag,

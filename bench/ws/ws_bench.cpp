@@ -1,11 +1,14 @@
-// Rendering costs: a ReadProperty result of 16 REALs to compact JSON in memory, the same value's
-// text, and a priority array through the catalogue walk. Instruction counts: bench/ws/measure.sh.
+// Rendering costs: a ReadProperty result of 16 REALs to compact JSON in memory (writer creation
+// included) as a run of elements and one markup per value, the same value's text, a priority
+// array through the catalogue walk and a trend log's buffer. Instruction counts:
+// bench/ws/measure.sh.
 #include "TQ/Utility/Data/EmbeddedDatabase.h"
 #include "TQ/Utility/Data/SmoDbSession.h"
 #include "TQ_BACnet/DataApplicationValue.h"
 #include "TQ_BACnet/DataErrorRef.h"
 #include "TQ_BACnet/ValueContainer.h"
 #include "TQ_BACnet/WS/MarkupFactoryJSON.h"
+#include "TQ_BACnet/WS/MarkupFactoryMaker.h"
 #include "TQ_BACnet/WS/MarkupFactoryXML.h"
 #include "tq_stack/codec.h"
 #include "tq_stack/context_decode.h"
@@ -75,13 +78,65 @@ std::vector<DataApplicationValue> reals(int count) {
     return values;
 }
 
-// The ReadProperty result as the web service shows it: the array under the property's name.
+// The ReadProperty result as the web service shows it (WS::PropertyDocument's primitive form):
+// the decoded array under the property's name, its elements named 1 to 16. Each response gets
+// its own writer: on the stack, or from the maker on the heap and flushed at the end, as the
+// gateway makes it.
+void render16Reals(benchmark::State& state, bool fromMaker) {
+    std::vector<uint8_t> encoded(16 * 5);
+    for (int i = 0; i < 16; ++i)
+        encode_application_real(encoded.data() + 5 * i, 20.0f + 0.1f * static_cast<float>(i));
+    BACNET_ERROR_CLASS errorClass = ERROR_CLASS_DEVICE;
+    BACNET_ERROR_CODE errorCode = ERROR_CODE_OTHER;
+    DataErrorRef error(errorClass, errorCode);
+    ValueContainer container;
+    const ValueContainer::DataPropertyInObject descriptor(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL,
+                                                          BACNET_DTS_ARRAY, true, 4);
+    container.decode(encoded.data(), static_cast<int>(encoded.size()), 0, descriptor, -1, error);
+    const std::string property = "present-value";
+    // The request's options, parsed on the request path (bench/ws/request_bench.cpp).
+    WS::MarkupOptions options;
+    options.alt = WS::MarkupOptions::ALT_JSON;
+    // The response stream is the server's, reused.
+    Sink sink;
+    std::ostream out(&sink);
+    std::size_t bytes = 0;
+    const auto render = [&](MF& f) {
+        f.markupOpen(MF::BT_ARRAY, property, false, true);
+        std::size_t count = 0;
+        const DataApplicationValue* values = container.primitives(count);
+        f.markupElements(values, count, BACNET_DT_REAL, true);
+        f.closeAllOpenMarkups();
+    };
+    for (auto _ : state) {
+        sink.text.clear();
+        if (!fromMaker) {
+            WS::MarkupFactoryJSON f(out, false, true, -1);
+            render(f);
+        } else {
+            MF* f = WS::MarkupFactoryMaker::getMarkupFactoryPointer(options, out, true);
+            render(*f);
+            WS::MarkupFactoryMaker::flushAndDeleteMarkupFactoryPointer(f);
+        }
+        bytes += sink.text.size();
+        benchmark::DoNotOptimize(sink.text.data());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(bytes));
+}
+
 void BM_Render16RealsJson(benchmark::State& state) {
+    render16Reals(state, false);
+}
+void BM_Render16RealsJsonFromMaker(benchmark::State& state) {
+    render16Reals(state, true);
+}
+
+// The same elements one markup at a time, the way every value of a walk goes.
+void BM_Render16RealsJsonPerValue(benchmark::State& state) {
     const std::vector<DataApplicationValue> values = reals(16);
     const std::string property = "present-value";
     std::vector<std::string> names;
     for (int i = 1; i <= 16; ++i) names.push_back(std::to_string(i));
-    // The response stream is the server's, reused; each response gets its own writer.
     Sink sink;
     std::ostream out(&sink);
     std::size_t bytes = 0;
@@ -204,6 +259,8 @@ void fixedIterations(benchmark::internal::Benchmark* b) {
 }  // namespace
 
 BENCHMARK(BM_Render16RealsJson)->Apply(fixedIterations);
+BENCHMARK(BM_Render16RealsJsonFromMaker)->Apply(fixedIterations);
+BENCHMARK(BM_Render16RealsJsonPerValue)->Apply(fixedIterations);
 BENCHMARK(BM_GetText16Reals)->Apply(fixedIterations);
 BENCHMARK(BM_PriorityArrayWalkJson)->Apply(fixedIterations);
 BENCHMARK(BM_TrendLog50Records)->Arg(0)->Arg(1)->Apply(fixedIterations);

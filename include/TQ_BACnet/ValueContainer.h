@@ -171,6 +171,10 @@ public:
         return out;
     }
 
+    /// The held primitives where they are, without a copy: `count` values (one for a single
+    /// value); nullptr, with count 0, when a constructed value is held.
+    const DataApplicationValue* primitives(std::size_t& count) const;
+
     // --- text ---
     /// Never throws: false when the text does not read.
     bool setText(BACnetDataType dataType, BACNET_APPLICATION_TAG tag, const std::string& text,

@@ -17,6 +17,8 @@ const std::array<std::string, MarkupFactory::BT_MAX> MarkupFactory::_bts = [] {
     return names;
 }();
 
+const std::string MarkupFactory::_noBaseTypeName;
+
 namespace {
 
 // Categories shown by default: value, extensions, change, mutability, doc and types for
@@ -25,11 +27,6 @@ constexpr unsigned int kCollectionCategories = 0x44F;
 constexpr unsigned int kValueCategories = 0x193;
 
 }  // namespace
-
-const std::string& MarkupFactory::getBaseTypeName(BaseType baseType) {
-    static const std::string none;
-    return baseType < BT_MAX ? _bts[baseType] : none;
-}
 
 bool MarkupFactory::isNumeric(BaseType baseType, const std::string& value) {
     if (baseType >= BT_BOOLEAN && baseType <= BT_DOUBLE) return true;

@@ -74,6 +74,15 @@ void MarkupFactory::markupValue(BaseType baseType, const std::string& name, cons
     markupNew(baseType, name, value, flags, &_metadataScratch);
 }
 
+void MarkupFactory::markupOpen(BaseType baseType, const std::string& name, bool arrayMarker, bool root) {
+    static const std::string noValue;
+    unsigned int flags = 0;
+    if (arrayMarker) flags |= MF_ARRAY;
+    if (root) flags |= MF_ROOT;
+    if (_quoteValues) flags |= MF_QUOTE;
+    markupNew(baseType, name, noValue, flags, nullptr);
+}
+
 void MarkupFactory::markup(BaseType baseType, BACNET_PROPERTY_ID propertyId, const std::string& value,
                            bool complete, bool arrayMarker, BACnetDataType dataType, bool root,
                            const std::string& comment, int error, const std::string& errorText,

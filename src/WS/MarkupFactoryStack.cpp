@@ -39,16 +39,14 @@ void MarkupFactory::closeAllOpenMarkups() {
     while (!_openMarkups.empty()) closeOpenMarkup();
 }
 
-void MarkupFactory::formatBefore(bool opening) {
-    if (!_pretty) return;
+void MarkupFactory::indent(bool opening) {
     std::size_t depth = _openMarkups.size() - static_cast<std::size_t>(_arrayMarkers);
     // When closing, the entry being closed is still on the stack.
     if (!opening && depth > 0) --depth;
     for (std::size_t i = 0; i < depth; ++i) _out.put('\t');
 }
 
-void MarkupFactory::formatAfter() {
-    if (!_pretty) return;
+void MarkupFactory::endLine() {
     _out.put('\n');
     _out.flush();
 }

@@ -6,7 +6,7 @@
 
 #include <Poco/Exception.h>
 
-#include <cstdio>
+#include <charconv>
 #include <iostream>
 #include <sstream>
 
@@ -174,9 +174,9 @@ bool MarkupFactory::markup3(const DataTypeAndName& member, ValueCursor cursor, b
 // with its own base type; a nested construction, whose type nobody names, as "truncated".
 bool MarkupFactory::markupAbstractRun(const DataTypeAndName& member, ValueCursor cursor) {
     markup(BT_SEQUENCE_OF, member.name, "", false, false, BACNET_DT_ANY, false);
-    char name[12];
+    char digits[12];
     for (unsigned int index = 1; *cursor != nullptr && !isClosing(*cursor); ++index) {
-        std::snprintf(name, sizeof name, "%u", index);
+        const std::string name(digits, std::to_chars(digits, digits + sizeof digits, index).ptr);
         if (!isOpening(*cursor)) {
             renderValue(**cursor, name, static_cast<BACnetDataType>((*cursor)->tag), false, -1);
             advance(cursor);
@@ -289,10 +289,10 @@ bool MarkupFactory::markupSequenceInternal(const std::vector<DataTypeAndName>& m
 
 bool MarkupFactory::markupSequenceOfInternal(BACnetDataType elementType, ValueCursor cursor,
                                              const Poco::Nullable<std::string>&) {
-    char name[12];
+    char digits[12];
     for (unsigned int index = 1; *cursor != nullptr && !isClosing(*cursor); ++index) {
         const BACnet_Application_Data_Value* before = *cursor;
-        std::snprintf(name, sizeof name, "%u", index);
+        const std::string name(digits, std::to_chars(digits, digits + sizeof digits, index).ptr);
         if (!markup2(elementType, cursor, name, false, Poco::Nullable<unsigned char>())) break;
         if (*cursor == before) break;  // an element that consumes nothing would repeat for ever
     }

@@ -1,8 +1,14 @@
 #include "MarkupText.h"
 
+#include "TQ_BACnet/DataApplicationValue.h"
+#include "TQ_BACnet/Utility/FloatText.h"
+
 #include <Poco/String.h>
 
+#include <charconv>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace TQ {
 namespace BACnet {
@@ -155,28 +161,55 @@ void appendJson(std::string& out, const std::string& text) {
 }
 
 bool isJsonScalar(const std::string& text) {
-    if (text.size() == 4 && text.compare(0, 4, "true", 4) == 0) return true;
-    if (text.size() == 5 && text.compare(0, 5, "false", 5) == 0) return true;
-    std::size_t i = 0;
     const std::size_t n = text.size();
-    const auto digit = [&](std::size_t k) { return k < n && text[k] >= '0' && text[k] <= '9'; };
-    if (i < n && text[i] == '-') ++i;
+    const char* const s = text.data();
+    // Character by character: every primitive markup asks, and a library compare costs more.
+    if (n == 4 && s[0] == 't') return s[1] == 'r' && s[2] == 'u' && s[3] == 'e';
+    if (n == 5 && s[0] == 'f') return s[1] == 'a' && s[2] == 'l' && s[3] == 's' && s[4] == 'e';
+    const auto digit = [&](std::size_t k) { return k < n && s[k] >= '0' && s[k] <= '9'; };
+    std::size_t i = 0;
+    if (i < n && s[i] == '-') ++i;
     if (!digit(i)) return false;
-    if (text[i] == '0')
+    if (s[i] == '0')
         ++i;
     else
         while (digit(i)) ++i;
-    if (i < n && text[i] == '.') {
+    if (i < n && s[i] == '.') {
         if (!digit(++i)) return false;
         while (digit(i)) ++i;
     }
-    if (i < n && (text[i] == 'e' || text[i] == 'E')) {
+    if (i < n && (s[i] == 'e' || s[i] == 'E')) {
         ++i;
-        if (i < n && (text[i] == '+' || text[i] == '-')) ++i;
+        if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
         if (!digit(i)) return false;
         while (digit(i)) ++i;
     }
     return i == n;
+}
+
+char* numberText(const DataApplicationValue& value, char* out) {
+    if (value.isNull()) return nullptr;
+    switch (value.getTag()) {
+        case BACNET_APPLICATION_TAG_BOOLEAN:
+            if (value.type.Boolean) {
+                std::memcpy(out, "true", 4);
+                return out + 4;
+            }
+            std::memcpy(out, "false", 5);
+            return out + 5;
+        case BACNET_APPLICATION_TAG_UNSIGNED_INT:
+            return std::to_chars(out, out + kNumberTextMax, value.type.Unsigned_Int).ptr;
+        case BACNET_APPLICATION_TAG_SIGNED_INT:
+            return std::to_chars(out, out + kNumberTextMax, value.type.Signed_Int).ptr;
+        case BACNET_APPLICATION_TAG_REAL:
+            return std::isfinite(value.type.Real) ? Utility::floatText(value.type.Real, out) : nullptr;
+        case BACNET_APPLICATION_TAG_DOUBLE:
+            return std::isfinite(value.type.Double)
+                       ? std::to_chars(out, out + kNumberTextMax, value.type.Double).ptr
+                       : nullptr;
+        default:
+            return nullptr;
+    }
 }
 
 bool isNumberOrBoolean(const std::string& text) {

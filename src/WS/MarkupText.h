@@ -1,11 +1,22 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace TQ {
 namespace BACnet {
+
+class DataApplicationValue;
+
 namespace WS {
 namespace MarkupText {
+
+/// Room `numberText` needs.
+constexpr std::size_t kNumberTextMax = 32;
+/// The text of a Boolean, Unsigned, Signed, Real or Double value as `DataApplicationValue::getText`
+/// gives it, written at `out`, when it is a JSON number or literal; nullptr for every other value
+/// (null, another tag, NaN, an infinity), whose text takes the general way.
+char* numberText(const DataApplicationValue& value, char* out);
 
 /// XML attribute text: the five entities, and anything an XML 1.0 parser refuses (control
 /// characters, malformed UTF-8, U+FFFE/U+FFFF) as U+FFFD.

@@ -23,17 +23,22 @@ namespace {
 
 void primitives(MarkupFactory& factory, const ValueContainer& value, const std::string& name, bool root) {
     const BACnetDataType type = value.getDataType();
-    std::vector<DataApplicationValue> values;
-    value.getValues(values);
-    if (value.getStructure() == BACNET_DTS_SINGLE_VALUE && values.size() == 1) {
-        values.front().markup(factory, name, false, type, root, -1, true);
+    // The held values where they are; a container holding something else lends a copy.
+    std::vector<DataApplicationValue> copies;
+    std::size_t count = 0;
+    const DataApplicationValue* values = value.primitives(count);
+    if (values == nullptr) {
+        value.getValues(copies);
+        values = copies.data();
+        count = copies.size();
+    }
+    if (value.getStructure() == BACNET_DTS_SINGLE_VALUE && count == 1) {
+        values->markup(factory, name, false, type, root, -1, true);
         return;
     }
     const auto collection = value.getStructure() == BACNET_DTS_LIST ? MarkupFactory::BT_LIST : MarkupFactory::BT_ARRAY;
-    factory.markup(collection, name, "", false, false, type, root);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        values[i].markup(factory, std::to_string(i + 1), false, type, false, -1, true);
-    }
+    factory.markupOpen(collection, name, false, root);
+    factory.markupElements(values, count, type, true);
     factory.closeOpenMarkup();
 }
 

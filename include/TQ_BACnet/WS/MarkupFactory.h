@@ -101,6 +101,40 @@ public:
         bool arrayMarker = false;
     };
 
+    /// The open markups, packed one byte each: inline for the depths documents have, so that
+    /// making a writer allocates nothing; deeper ones on the heap.
+    class OpenMarkupStack {
+    public:
+        bool empty() const { return _size == 0; }
+        std::size_t size() const { return _size; }
+        OpenMarkup back() const {
+            const unsigned char packed = _size <= kInline ? _inline[_size - 1] : _spill.back();
+            return OpenMarkup(static_cast<BaseType>(packed & 0x7Fu), (packed & 0x80u) != 0);
+        }
+        void emplace_back(BaseType baseType, bool arrayMarker) {
+            const auto packed = static_cast<unsigned char>(baseType | (arrayMarker ? 0x80u : 0u));
+            if (_size < kInline)
+                _inline[_size] = packed;
+            else
+                _spill.push_back(packed);
+            ++_size;
+        }
+        void pop_back() {
+            if (_size > kInline) _spill.pop_back();
+            --_size;
+        }
+        void clear() {
+            _spill.clear();
+            _size = 0;
+        }
+
+    private:
+        static constexpr std::size_t kInline = 32;
+        unsigned char _inline[kInline];
+        std::vector<unsigned char> _spill;
+        std::size_t _size = 0;
+    };
+
     /// `compression` 0 (zlib, Poco::DeflatingStreamBuf::STREAM_ZLIB) or 1 (gzip, STREAM_GZIP)
     /// compresses everything written into `out`; any other value (the options' default -1
     /// included) writes to `out` directly. An int, not the Poco enumeration, so that -1 is no
@@ -128,6 +162,12 @@ public:
     virtual int descMarkup(BaseType baseType, const std::string& name, const std::string& value,
                            unsigned int flags, const std::vector<MetadataValue>* metadata) = 0;
     virtual void descCloseOpenMarkup(const std::string& baseTypeName, bool arrayMarker) = 0;
+    /// The writer's short form of `markupPrimitive`: false when it has none.
+    virtual bool descPrimitive(const DataApplicationValue& value, const std::string& name);
+    /// The writer's short form of complete elements named by their numbers: how many of
+    /// `values` it wrote, from the first on (0: every one goes through `markupNew`).
+    virtual std::size_t descElements(const DataApplicationValue* values, std::size_t count,
+                                     std::size_t firstNumber);
     /// Escapes `text` in place for the output format.
     virtual void descStringEncode(std::string& text) = 0;
 
@@ -175,6 +215,21 @@ public:
     /// what `markup` writes for those arguments, without its argument list.
     void markupValue(BaseType baseType, const std::string& name, const std::string& value, bool arrayMarker,
                      bool root, const std::string& contextTag);
+
+    /// One complete primitive that is neither a root nor carries an array marker, through the
+    /// writer's short form when it has one for the value and its settings (what `markupValue`
+    /// would write, and counted the same); false, with nothing written, otherwise.
+    bool markupPrimitive(const DataApplicationValue& value, const std::string& name);
+
+    /// Opens a markup whose children follow (a list, an array, a sequence), without metadata:
+    /// what `markup` writes with an empty value and nothing else given, without its argument list.
+    void markupOpen(BaseType baseType, const std::string& name, bool arrayMarker, bool root);
+
+    /// The elements of an array or list of primitives, named "1", "2", ... from `firstNumber`:
+    /// each as `DataApplicationValue::markup` writes it, numbers straight from the values
+    /// where the writer can.
+    void markupElements(const DataApplicationValue* values, std::size_t count, BACnetDataType dataType,
+                        bool bitsAsBooleans, std::size_t firstNumber = 1);
 
     /// Closes the innermost real markup, and the array markers above it.
     void closeOpenMarkup();
@@ -266,7 +321,9 @@ public:
     // --- helpers -----------------------------------------------------------------------------
 
     /// The base type's name; empty for an invalid one.
-    static const std::string& getBaseTypeName(BaseType baseType);
+    static const std::string& getBaseTypeName(BaseType baseType) {
+        return baseType < BT_MAX ? _bts[baseType] : _noBaseTypeName;
+    }
     /// Whether the value can be written as a bare number: Boolean to Double, and an Enumerated
     /// given as a number.
     static bool isNumeric(BaseType baseType, const std::string& value);
@@ -282,8 +339,12 @@ public:
     bool shouldValueBeVisibleForBaseType(BaseType baseType) const;
 
     /// Indentation around a markup; `opening` is false when closing.
-    void formatBefore(bool opening);
-    void formatAfter();
+    void formatBefore(bool opening) {
+        if (_pretty) indent(opening);
+    }
+    void formatAfter() {
+        if (_pretty) endLine();
+    }
 
 protected:
     /// Writers print through these: straight into the stream's buffer, without a stream's
@@ -311,13 +372,15 @@ protected:
     std::string _lastErrorText;
     bool _pretty;
     bool _useNames;
-    std::deque<OpenMarkup> _openMarkups;
+    OpenMarkupStack _openMarkups;
     int _arrayMarkers = 0;
     bool _quoteValues = false;
     /// For the JSON writer: whether the next member needs no separating comma.
     bool _first = true;
 
 private:
+    void indent(bool opening);
+    void endLine();
     void popOpenMarkup();
     bool markupUnknownType(BACnetDataType type, const std::string& name, bool root);
     bool markupMismatch(const DataTypeAndName& member, ValueCursor cursor, unsigned int expected,
@@ -339,6 +402,7 @@ private:
     static Poco::FastMutex _mutexBnDataTypeValueName;
 
     static const std::array<std::string, BT_MAX> _bts;
+    static const std::string _noBaseTypeName;
 };
 
 }  // namespace WS

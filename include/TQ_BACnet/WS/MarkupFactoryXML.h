@@ -20,11 +20,17 @@ public:
                    const std::vector<MetadataValue>* metadata) override;
     void descCloseOpenMarkup(const std::string& baseTypeName, bool arrayMarker) override;
     void descStringEncode(std::string& text) override;
+    bool descPrimitive(const DataApplicationValue& value, const std::string& name) override;
+    std::size_t descElements(const DataApplicationValue* values, std::size_t count,
+                             std::size_t firstNumber) override;
 
     /// The namespace written on the root element.
     static const std::string _embeddedText;
 
 private:
+    /// Without layout or metadata attributes, a number element is written from the value.
+    bool shortForm() const { return !_pretty && _metadata.getCategories() == 0; }
+
     /// One markup's text, written at once; reused, so writing does not allocate.
     std::string _line;
 };
