@@ -44,6 +44,7 @@ std::vector<std::string> splitNames(const std::string& names) {
 TQ_ENTITY_STATIC_INIT const std::vector<const std::string*> BnDataTypeEnum::_colNames{
     &Names::ID_BN_DATATYPE_ENUM, &Names::ID_BN_DATATYPE_CONSTRUCT, &Names::VALUE, &Names::NAME};
 TQ_ENTITY_STATIC_INIT Poco::HashMap<unsigned int, std::string> BnDataTypeEnum::_enums(64);
+TQ_ENTITY_STATIC_INIT Poco::HashMap<Poco::UInt64, std::string> BnDataTypeEnum::_enumsWide(16);
 TQ_ENTITY_STATIC_INIT Poco::HashMap<std::string, unsigned int> BnDataTypeEnum::_enumsReverse(64);
 TQ_ENTITY_STATIC_INIT Poco::HashMap<unsigned int, int> BnDataTypeEnum::_bitCnt(64);
 TQ_ENTITY_STATIC_INIT Poco::FastMutex BnDataTypeEnum::_mutexEnums;
@@ -91,14 +92,21 @@ std::string BnDataTypeEnum::getHashKeyReverse(unsigned int idConstruct, const st
 }
 
 void BnDataTypeEnum::remember(unsigned int idConstruct, unsigned int value, const std::string& name) {
-    _enums[getHashKey(idConstruct, value)] = name;
+    if (value > 0xFFFFu)
+        _enumsWide[getWideKey(idConstruct, value)] = name;
+    else
+        _enums[getHashKey(idConstruct, value)] = name;
     _enumsReverse[getHashKeyReverse(idConstruct, name)] = value;
 }
 
 std::string BnDataTypeEnum::find(unsigned int idConstruct, unsigned int value, EntityServer* server) {
     idConstruct = alias(idConstruct);
     return Detail::findCached<std::string>(
-        _mutexEnums, server, [&] { return Detail::cachedIn(_enums, getHashKey(idConstruct, value)); },
+        _mutexEnums, server,
+        [&] {
+            return value > 0xFFFFu ? Detail::cachedIn(_enumsWide, getWideKey(idConstruct, value))
+                                   : Detail::cachedIn(_enums, getHashKey(idConstruct, value));
+        },
         [&](EntityServer& s) { return retrieve(idConstruct, value, s); });
 }
 

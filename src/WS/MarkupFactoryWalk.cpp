@@ -149,6 +149,9 @@ bool MarkupFactory::markup3(const DataTypeAndName& member, ValueCursor cursor, b
         result = markupAbstractRun(member, cursor);
     } else if (*cursor == nullptr || (*cursor)->tag > BACNET_DT_RESERVE3) {
         say("MarkupFactory::markup3() \"ABSTRACT-SYNTAX.&Type\" unrecognized constructed value");
+    } else if (member.optional && !opened && (*cursor)->context_specific) {
+        // Outside tags of its own the value is application-tagged: a context-tagged item is the
+        // next member's (BACnetNameValue's next name), and this optional value is absent.
     } else {
         // The value's own base type is the only type information an ABSTRACT-SYNTAX value has.
         const bool showType = _metadata.getCategories() == 0;

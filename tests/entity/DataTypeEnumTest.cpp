@@ -38,6 +38,17 @@ TEST(BnDataTypeEnum, NamesAndValuesAreCachedAndConstruct121SharesTheObjectTypes)
     EXPECT_EQ(db.queries(kEnumQuery) - before, 3);
 }
 
+TEST(BnDataTypeEnum, ValuesAboveSixteenBitsNeitherShareNorOverwriteACachedName) {
+    TQTest::TestCatalogue::get();
+    // The cache key keeps the low 16 bits only: 65613 and 77 share it.
+    EXPECT_EQ(BnDataTypeEnum::getHashKey(51, 65613), BnDataTypeEnum::getHashKey(51, 77));
+    EXPECT_EQ(BnDataTypeEnum::findReverse(51, "vendor-label"), 65613u);
+    EXPECT_EQ(BnDataTypeEnum::find(51, 77), "object-name");
+    EXPECT_EQ(BnDataTypeEnum::find(51, 65613), "vendor-label");
+    EXPECT_EQ(BnDataTypeEnum::find(120, 8), "device");
+    EXPECT_EQ(BnDataTypeEnum::find(120, 65544), "");
+}
+
 TEST(BnDataTypeEnum, NameLookupsFallBackToDecimalAndTypeLookupsGoThroughTheConstruct) {
     TQTest::TestCatalogue::get();
     bool found = true;

@@ -37,6 +37,7 @@ INSERT INTO bn_datatype_enum (id_bn_datatype_enum, id_bn_datatype_construct, val
   (1, 120, 0, 'analog-input'), (2, 120, 1, 'analog-output'), (3, 120, 8, 'device'),
   (4, 120, 3, 'binary-input'),
   (10, 51, 85, 'present-value'), (11, 51, 77, 'object-name'), (12, 51, 28, 'description'),
+  (13, 51, 65613, 'vendor-label'),
   (20, 130, 0, 'b-zero'), (21, 130, 1, 'b-one'), (22, 130, 2, 'b-two'), (23, 130, 3, 'b-three'),
   (24, 130, 4, 'b-four'), (30, 131, 0, 'low'), (31, 131, 7, 'high');
 

@@ -119,8 +119,14 @@ private:
         return idConstruct == kObjectTypesSupported ? kObjectTypes : idConstruct;
     }
     static void remember(unsigned int idConstruct, unsigned int value, const std::string& name);
+    static Poco::UInt64 getWideKey(unsigned int idConstruct, unsigned int value) noexcept {
+        return (static_cast<Poco::UInt64>(idConstruct) << 32) | value;
+    }
 
     static Poco::HashMap<unsigned int, std::string> _enums;
+    // Values above 0xFFFF (proprietary ones) do not fit the 16-bit key: they are kept apart,
+    // keyed by the construct and the whole value.
+    static Poco::HashMap<Poco::UInt64, std::string> _enumsWide;
     static Poco::HashMap<std::string, unsigned int> _enumsReverse;
     static Poco::HashMap<unsigned int, int> _bitCnt;
     static Poco::FastMutex _mutexEnums;
