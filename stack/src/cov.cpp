@@ -1,8 +1,6 @@
 #include "tq_stack/cov.h"
 
-#include <cstring>
-
-#include "service_common.h"
+#include "property_value.h"
 #include "tq_stack/apdu.h"
 #include "tq_stack/codec.h"
 
@@ -20,16 +18,6 @@ constexpr uint8_t kInitiatingTag = 1;
 constexpr uint8_t kNotifiedObjectTag = 2;
 constexpr uint8_t kTimeRemainingTag = 3;
 constexpr uint8_t kValuesTag = 4;
-// BACnetPropertyValue
-constexpr uint8_t kPropertyTag = 0;
-constexpr uint8_t kIndexTag = 1;
-constexpr uint8_t kValueTag = 2;
-constexpr uint8_t kPriorityTag = 3;
-
-bool validObject(uint32_t type, uint32_t instance) {
-    return type <= BACNET_MAX_OBJECT && instance <= BACNET_MAX_INSTANCE;
-}
-
 int encodeSubscribeBody(uint8_t* apdu, const BACNET_SUBSCRIBE_COV_DATA* d) {
     Writer w(apdu);
     w.add(putContextUnsigned(w.at(), kProcessTag, d->subscriber_process_identifier));
@@ -59,41 +47,10 @@ int encodeNotifyBody(uint8_t* apdu, const BACNET_COV_DATA* d) {
     w.add(putContextObjectId(w.at(), kNotifiedObjectTag, d->monitored_object_type, d->monitored_object_instance));
     w.add(putContextUnsigned(w.at(), kTimeRemainingTag, d->time_remaining));
     w.add(encode_opening_tag(w.at(), kValuesTag));
-    for (unsigned i = 0; i < d->count; ++i) {
-        const BACNET_PROPERTY_VALUE_REF& v = d->values[i];
-        w.add(putContextUnsigned(w.at(), kPropertyTag, v.property));
-        if (v.array_index != BACNET_ARRAY_ALL) w.add(putContextUnsigned(w.at(), kIndexTag, v.array_index));
-        w.add(encode_opening_tag(w.at(), kValueTag));
-        if (w.len + int(v.value_len) > MAX_APDU) return BACNET_STATUS_ERROR;
-        if (apdu) std::memcpy(w.at(), v.value, v.value_len);
-        w.add(int(v.value_len));
-        w.add(encode_closing_tag(w.at(), kValueTag));
-        if (v.priority != BACNET_NO_PRIORITY) w.add(putContextUnsigned(w.at(), kPriorityTag, v.priority));
-    }
+    for (unsigned i = 0; i < d->count; ++i)
+        if (!encodePropertyValue(w, d->values[i])) return BACNET_STATUS_ERROR;
     w.add(encode_closing_tag(w.at(), kValuesTag));
     return w.len > MAX_APDU ? BACNET_STATUS_ERROR : w.len;
-}
-
-// One BACnetPropertyValue into out (may be NULL: checked and skipped). REJECT for a priority
-// outside 1..16.
-int decodePropertyValue(Reader& r, BACNET_PROPERTY_VALUE_REF* out) {
-    uint32_t property = 0, index = BACNET_ARRAY_ALL, priority = BACNET_NO_PRIORITY;
-    bool indexed = false, prioritised = false;
-    if (!r.need(decode_context_enumerated(r.at(), r.left(), kPropertyTag, &property)) ||
-        !r.optional(decode_context_unsigned(r.at(), r.left(), kIndexTag, &index), &indexed))
-        return BACNET_STATUS_ERROR;
-    const int inner = enclosedLength(r.at(), r.left());
-    if (inner <= 0 || !r.opening(kValueTag)) return BACNET_STATUS_ERROR;
-    const uint8_t* value = r.at();
-    r.pos += uint32_t(inner);
-    if (!r.closing(kValueTag) ||
-        !r.optional(decode_context_unsigned(r.at(), r.left(), kPriorityTag, &priority), &prioritised))
-        return BACNET_STATUS_ERROR;
-    if (prioritised && (priority < BACNET_MIN_PRIORITY || priority > BACNET_MAX_PRIORITY)) return BACNET_STATUS_REJECT;
-    if (out)
-        *out = BACNET_PROPERTY_VALUE_REF{BACNET_PROPERTY_ID(property), indexed ? index : BACNET_ARRAY_ALL, value,
-                                         uint32_t(inner), uint8_t(prioritised ? priority : BACNET_NO_PRIORITY)};
-    return 0;
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "tq_stack/create_object.h"
 
-#include <cstring>
-
-#include "service_common.h"
+#include "property_value.h"
 #include "tq_stack/apdu.h"
 #include "tq_stack/codec.h"
 
@@ -14,16 +12,8 @@ constexpr uint8_t kSpecifierTag = 0;
 constexpr uint8_t kTypeChoice = 0;
 constexpr uint8_t kIdentifierChoice = 1;
 constexpr uint8_t kInitialValuesTag = 1;
-constexpr uint8_t kPropertyTag = 0;
-constexpr uint8_t kIndexTag = 1;
-constexpr uint8_t kValueTag = 2;
-constexpr uint8_t kPriorityTag = 3;
 constexpr uint8_t kErrorTag = 0;
 constexpr uint8_t kElementTag = 1;
-
-bool validObject(uint32_t type, uint32_t instance) {
-    return type <= BACNET_MAX_OBJECT && instance <= BACNET_MAX_INSTANCE;
-}
 
 int encodeCreateBody(uint8_t* apdu, const BACNET_CREATE_OBJECT_DATA* d) {
     Writer w(apdu);
@@ -35,38 +25,10 @@ int encodeCreateBody(uint8_t* apdu, const BACNET_CREATE_OBJECT_DATA* d) {
     w.add(encode_closing_tag(w.at(), kSpecifierTag));
     if (d->count == 0) return w.len;
     w.add(encode_opening_tag(w.at(), kInitialValuesTag));
-    for (unsigned i = 0; i < d->count; ++i) {
-        const BACNET_PROPERTY_VALUE_REF& v = d->values[i];
-        w.add(encode_context_enumerated(w.at(), kPropertyTag, v.property));
-        if (v.array_index != BACNET_ARRAY_ALL) w.add(encode_context_unsigned(w.at(), kIndexTag, v.array_index));
-        w.add(encode_opening_tag(w.at(), kValueTag));
-        if (apdu) std::memcpy(w.at(), v.value, v.value_len);
-        w.add(int(v.value_len));
-        w.add(encode_closing_tag(w.at(), kValueTag));
-        if (v.priority != BACNET_NO_PRIORITY) w.add(encode_context_unsigned(w.at(), kPriorityTag, v.priority));
-        if (w.len > MAX_APDU) return BACNET_STATUS_ERROR;
-    }
+    for (unsigned i = 0; i < d->count; ++i)
+        if (!encodePropertyValue(w, d->values[i])) return BACNET_STATUS_ERROR;
     w.add(encode_closing_tag(w.at(), kInitialValuesTag));
     return w.len;
-}
-
-// One BACnetPropertyValue; REJECT for a bad priority.
-int decodePropertyValue(Reader& r, BACNET_PROPERTY_VALUE_REF* out) {
-    uint32_t property = 0, index = BACNET_ARRAY_ALL, priority = BACNET_NO_PRIORITY;
-    bool present = false;
-    if (!r.need(decode_context_enumerated(r.at(), r.left(), kPropertyTag, &property)) ||
-        !r.optional(decode_context_unsigned(r.at(), r.left(), kIndexTag, &index), &present))
-        return BACNET_STATUS_ERROR;
-    const int inner = enclosedLength(r.at(), r.left());
-    if (inner <= 0 || !r.opening(kValueTag)) return BACNET_STATUS_ERROR;
-    const uint8_t* value = r.at();
-    r.pos += uint32_t(inner);
-    if (!r.closing(kValueTag) || !r.optional(decode_context_unsigned(r.at(), r.left(), kPriorityTag, &priority), &present))
-        return BACNET_STATUS_ERROR;
-    if (present && (priority < BACNET_MIN_PRIORITY || priority > BACNET_MAX_PRIORITY)) return BACNET_STATUS_REJECT;
-    if (out) *out = BACNET_PROPERTY_VALUE_REF{BACNET_PROPERTY_ID(property), index, value, uint32_t(inner),
-                                              uint8_t(present ? priority : BACNET_NO_PRIORITY)};
-    return 0;
 }
 
 }  // namespace
