@@ -78,21 +78,26 @@ std::vector<DataApplicationValue> reals(int count) {
     return values;
 }
 
+// Sixteen REALs (20.0, 20.1, ...) decoded as an array, as a ReadProperty answer holds them.
+void decode16Reals(ValueContainer& container) {
+    std::vector<uint8_t> bytes(16 * 5);
+    for (int i = 0; i < 16; ++i)
+        encode_application_real(bytes.data() + 5 * i, 20.0f + 0.1f * static_cast<float>(i));
+    BACNET_ERROR_CLASS errorClass = ERROR_CLASS_DEVICE;
+    BACNET_ERROR_CODE errorCode = ERROR_CODE_OTHER;
+    DataErrorRef error(errorClass, errorCode);
+    const ValueContainer::DataPropertyInObject descriptor(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL,
+                                                          BACNET_DTS_ARRAY, true, 4);
+    container.decode(bytes.data(), static_cast<int>(bytes.size()), 0, descriptor, -1, error);
+}
+
 // The ReadProperty result as the web service shows it (WS::PropertyDocument's primitive form):
 // the decoded array under the property's name, its elements named 1 to 16. Each response gets
 // its own writer: on the stack, or from the maker on the heap and flushed at the end, as the
 // gateway makes it.
 void render16Reals(benchmark::State& state, bool fromMaker) {
-    std::vector<uint8_t> encoded(16 * 5);
-    for (int i = 0; i < 16; ++i)
-        encode_application_real(encoded.data() + 5 * i, 20.0f + 0.1f * static_cast<float>(i));
-    BACNET_ERROR_CLASS errorClass = ERROR_CLASS_DEVICE;
-    BACNET_ERROR_CODE errorCode = ERROR_CODE_OTHER;
-    DataErrorRef error(errorClass, errorCode);
     ValueContainer container;
-    const ValueContainer::DataPropertyInObject descriptor(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL,
-                                                          BACNET_DTS_ARRAY, true, 4);
-    container.decode(encoded.data(), static_cast<int>(encoded.size()), 0, descriptor, -1, error);
+    decode16Reals(container);
     const std::string property = "present-value";
     // The request's options, parsed on the request path (bench/ws/request_bench.cpp).
     WS::MarkupOptions options;
@@ -154,16 +159,8 @@ void BM_Render16RealsJsonPerValue(benchmark::State& state) {
 }
 
 void BM_GetText16Reals(benchmark::State& state) {
-    std::vector<uint8_t> bytes(16 * 5);
-    for (int i = 0; i < 16; ++i)
-        encode_application_real(bytes.data() + 5 * i, 20.0f + 0.1f * static_cast<float>(i));
-    BACNET_ERROR_CLASS errorClass = ERROR_CLASS_DEVICE;
-    BACNET_ERROR_CODE errorCode = ERROR_CODE_OTHER;
-    DataErrorRef error(errorClass, errorCode);
     ValueContainer container;
-    const ValueContainer::DataPropertyInObject descriptor(BACNET_DT_REAL, BACNET_APPLICATION_TAG_REAL,
-                                                          BACNET_DTS_ARRAY, true, 4);
-    container.decode(bytes.data(), static_cast<int>(bytes.size()), 0, descriptor, -1, error);
+    decode16Reals(container);
     std::string text;
     for (auto _ : state) {
         container.getText(text, false);

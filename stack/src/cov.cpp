@@ -18,6 +18,7 @@ constexpr uint8_t kInitiatingTag = 1;
 constexpr uint8_t kNotifiedObjectTag = 2;
 constexpr uint8_t kTimeRemainingTag = 3;
 constexpr uint8_t kValuesTag = 4;
+
 int encodeSubscribeBody(uint8_t* apdu, const BACNET_SUBSCRIBE_COV_DATA* d) {
     Writer w(apdu);
     w.add(putContextUnsigned(w.at(), kProcessTag, d->subscriber_process_identifier));
